@@ -1,0 +1,109 @@
+#include "vorn/logging/VORNSdkLogger.hpp"
+
+#include "logging/Redaction.hpp"
+
+namespace vorn {
+namespace {
+// Beyond every level: nothing passes while there is no sink.
+constexpr std::uint32_t kClosedThreshold = 0xFF;
+
+std::uint32_t categoryBit(LoggerCategory category) {
+  return 1u << static_cast<int>(category);
+}
+}  // namespace
+
+std::atomic<std::uint32_t> VORNSdkLogger::gate_{kClosedThreshold};
+
+VORNSdkLogger& VORNSdkLogger::shared() noexcept {
+  static VORNSdkLogger* const instance = new VORNSdkLogger();
+  return *instance;
+}
+
+void VORNSdkLogger::logMessage(LogLevel level, LoggerSubsystem subsystem, LoggerCategory category,
+                               std::string_view message) {
+  if (!enabled(level, category))
+    return;
+  std::shared_ptr<LogOutputter> outputter;
+  std::shared_ptr<const std::vector<std::string>> redacted;
+  {
+    std::lock_guard lock(mutex_);
+    outputter = logOutputter_;
+    redacted = redactedValues_;
+  }
+  if (!outputter)
+    return;
+  outputter->out(level, rawValue(subsystem), category, detail::redact(message, *redacted));
+}
+
+void VORNSdkLogger::debugWithCategory(LoggerCategory category, std::string_view message) {
+  logMessage(LogLevel::debug, subsystem(), category, message);
+}
+
+void VORNSdkLogger::warningWithCategory(LoggerCategory category, std::string_view message) {
+  logMessage(LogLevel::warning, subsystem(), category, message);
+}
+
+void VORNSdkLogger::errorWithCategory(LoggerCategory category, std::string_view message) {
+  logMessage(LogLevel::error, subsystem(), category, message);
+}
+
+void VORNSdkLogger::faultWithCategory(LoggerCategory category, std::string_view message) {
+  logMessage(LogLevel::fault, subsystem(), category, message);
+}
+
+LogLevel VORNSdkLogger::getLogLevel() const {
+  std::lock_guard lock(mutex_);
+  return logLevel_;
+}
+
+std::shared_ptr<LogOutputter> VORNSdkLogger::logOutputter() const {
+  std::lock_guard lock(mutex_);
+  return logOutputter_;
+}
+
+std::vector<std::string> VORNSdkLogger::filters() const {
+  std::lock_guard lock(mutex_);
+  return filters_;
+}
+
+std::vector<std::string> VORNSdkLogger::redactedValues() const {
+  std::lock_guard lock(mutex_);
+  return *redactedValues_;
+}
+
+void VORNSdkLogger::setLogger(LogLevel logLevel, std::shared_ptr<LogOutputter> logOutputter) {
+  setLogger(logLevel, std::move(logOutputter), {});
+}
+
+void VORNSdkLogger::setLogger(LogLevel logLevel, std::shared_ptr<LogOutputter> logOutputter,
+                              std::span<const LoggerCategory> filters) {
+  std::lock_guard lock(mutex_);
+  logLevel_ = logLevel;
+  logOutputter_ = std::move(logOutputter);
+  for (LoggerCategory category : filters) {
+    filters_.emplace_back(rawValue(category));
+    filterMask_ |= categoryBit(category);
+  }
+  publishGate();
+}
+
+void VORNSdkLogger::clearLoggerFilters() {
+  std::lock_guard lock(mutex_);
+  filters_.clear();
+  filterMask_ = 0;
+  publishGate();
+}
+
+void VORNSdkLogger::setRedactedValues(std::vector<std::string> values) {
+  auto replacement = std::make_shared<const std::vector<std::string>>(std::move(values));
+  std::lock_guard lock(mutex_);
+  redactedValues_ = std::move(replacement);
+}
+
+void VORNSdkLogger::publishGate() {
+  const std::uint32_t threshold =
+      logOutputter_ ? static_cast<std::uint32_t>(logLevel_) : kClosedThreshold;
+  gate_.store(threshold | (filterMask_ << kFilterShift), std::memory_order_relaxed);
+}
+
+}  // namespace vorn
