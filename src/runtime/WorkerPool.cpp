@@ -1,0 +1,100 @@
+#include "runtime/WorkerPool.hpp"
+
+#include <algorithm>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace vorn::detail {
+
+WorkerPool& WorkerPool::shared() {
+  // Leaked on purpose: detached workers may still be inside it while the process exits.
+  static WorkerPool* pool = new WorkerPool();
+  return *pool;
+}
+
+WorkerPool::WorkerPool()
+    : baseThreads_(std::max<std::size_t>(2, std::thread::hardware_concurrency())) {}
+
+void WorkerPool::submit(std::function<void()> task) {
+  std::lock_guard lock(mutex_);
+  ready_.push_back(std::move(task));
+  waiting_.store(ready_.size(), std::memory_order_relaxed);
+  if (idle_ > 0) {
+    workAvailable_.notify_one();
+  } else if (threads_ < baseThreads_) {
+    spawnWorkerLocked();
+  } else if (monitorParked_) {
+    monitorWake_.notify_one();
+  }
+}
+
+void WorkerPool::spawnWorkerLocked() {
+  const bool extra = threads_ >= baseThreads_;
+  try {
+    std::thread([this, extra] { workerLoop(extra); }).detach();
+  } catch (const std::system_error&) {
+    // Out of threads: the existing workers will get to the task eventually.
+    return;
+  }
+  ++threads_;
+  if (!monitorStarted_) {
+    try {
+      std::thread([this] { monitorLoop(); }).detach();
+      monitorStarted_ = true;
+    } catch (const std::system_error&) {
+      // Without a monitor the pool cannot grow past a stall, but it still runs.
+    }
+  }
+}
+
+void WorkerPool::workerLoop(bool extra) {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    while (ready_.empty()) {
+      ++idle_;
+      bool timedOut = false;
+      if (extra) {
+        timedOut = workAvailable_.wait_for(lock, kIdleRetirement) == std::cv_status::timeout;
+      } else {
+        workAvailable_.wait(lock);
+      }
+      --idle_;
+      if (timedOut && ready_.empty()) {
+        --threads_;
+        return;
+      }
+    }
+    std::function<void()> task = std::move(ready_.front());
+    ready_.pop_front();
+    waiting_.store(ready_.size(), std::memory_order_relaxed);
+    ++taken_;
+    lock.unlock();
+    task();
+    task = nullptr;  // destroy captures outside the lock
+    lock.lock();
+  }
+}
+
+void WorkerPool::monitorLoop() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    if (ready_.empty() || idle_ > 0 || threads_ >= kMaxThreads) {
+      monitorParked_ = true;
+      monitorWake_.wait(lock);
+      monitorParked_ = false;
+      continue;
+    }
+    // Work is waiting and nobody is free: if no worker takes a task for a whole interval,
+    // they are all blocked, and only a new thread can make progress.
+    const std::uint64_t seen = taken_;
+    const auto deadline = std::chrono::steady_clock::now() + kStallInterval;
+    monitorWake_.wait_until(lock, deadline,
+                            [&] { return std::chrono::steady_clock::now() >= deadline; });
+    if (!ready_.empty() && idle_ == 0 && taken_ == seen && threads_ < kMaxThreads) {
+      spawnWorkerLocked();
+    }
+  }
+}
+
+}  // namespace vorn::detail

@@ -1,0 +1,56 @@
+// The threads behind every DispatchQueue (internal).
+//
+// Tasks wait on one ready list. Workers start lazily up to the base count (the number of
+// hardware threads, at least two). A monitor thread watches for work that makes no progress
+// because every worker is blocked and then adds a worker, up to kMaxThreads; workers beyond
+// the base count retire after kIdleRetirement without work. The pool is immortal.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <mutex>
+
+namespace vorn::detail {
+
+class WorkerPool {
+ public:
+  static constexpr std::size_t kMaxThreads = 64;
+  static constexpr std::chrono::seconds kIdleRetirement{5};
+  static constexpr std::chrono::milliseconds kStallInterval{10};
+
+  static WorkerPool& shared();
+
+  /// Queues a task. Tasks must not throw.
+  void submit(std::function<void()> task);
+
+  /// True when tasks are queued that no worker has taken yet; a worker draining a serial
+  /// queue uses it to decide whether to yield or keep going.
+  bool hasWaitingTasks() const noexcept { return waiting_.load(std::memory_order_relaxed) > 0; }
+
+ private:
+  WorkerPool();
+
+  void spawnWorkerLocked();
+  void workerLoop(bool extra);
+  void monitorLoop();
+
+  const std::size_t baseThreads_;
+
+  std::mutex mutex_;
+  std::condition_variable workAvailable_;
+  std::condition_variable monitorWake_;
+  std::deque<std::function<void()>> ready_;  // guarded by mutex_
+  std::size_t threads_ = 0;                  // guarded by mutex_
+  std::size_t idle_ = 0;                     // guarded by mutex_
+  std::uint64_t taken_ = 0;                  // guarded by mutex_; tasks handed to workers
+  bool monitorStarted_ = false;              // guarded by mutex_
+  bool monitorParked_ = false;               // guarded by mutex_
+  std::atomic<std::size_t> waiting_{0};      // mirrors ready_.size() for lock-free peeks
+};
+
+}  // namespace vorn::detail
