@@ -1,0 +1,7 @@
+#include "vorn/messaging/Subscriber.hpp"
+
+namespace vorn {
+
+Subscriber::~Subscriber() = default;
+
+}  // namespace vorn
