@@ -1,0 +1,69 @@
+// KeychainStore: the host's secret store, with the semantics of the platform's generic
+// password items plus asymmetric keys by application tag.
+//
+// Items: copyMatching / add / update / remove behave like SecItemCopyMatching / SecItemAdd
+// / SecItemUpdate / SecItemDelete over generic-password items keyed by service and account.
+// Keys: storeKey / loadKey / deleteKey keep key pairs' halves by tag for the crypto layer.
+// Every call answers an OSStatus: errSecSuccess, errSecItemNotFound when nothing matches,
+// errSecDuplicateItem when an add or update would create a second item (or key) with the
+// same identity, errSecParam for an unusable request, and whatever a failing backend has to
+// report (errSecNotAvailable when its file cannot be used, errSecInteractionNotAllowed when
+// the device is locked, ...).
+//
+// Backends: keychain.db in the data directory (openFile) and an ephemeral in-memory store
+// (inMemory). Tests wrap either in vorn::testing::FaultyKeychainStore to answer any call
+// with any status.
+//
+// Thread safety: every member function of every backend may be called from any thread; each
+// call is atomic. Nothing is thrown.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "vorn/core/Export.hpp"
+#include "vorn/platform/KeychainItem.hpp"
+#include "vorn/platform/KeychainKey.hpp"
+#include "vorn/platform/KeychainStatus.hpp"
+
+namespace vorn {
+
+class VORN_API KeychainStore {
+ public:
+  /// The file name of the default backend inside the data directory.
+  static constexpr std::string_view kFileName = "keychain.db";
+
+  /// Opens (creating when needed) `directory`/keychain.db, with the directory made 0700 and
+  /// the database files 0600. Null when the file cannot be opened; the reason is logged.
+  static std::shared_ptr<KeychainStore> openFile(const std::filesystem::path& directory);
+  /// A store that lives as long as the returned object; nothing touches the disk.
+  static std::shared_ptr<KeychainStore> inMemory();
+
+  virtual ~KeychainStore();
+
+  /// Finds the items matching `query` (in the order they were added) and fills `result`
+  /// (cleared first) with one item for MatchLimit::one or all of them for MatchLimit::all.
+  /// errSecItemNotFound when none matches.
+  virtual OSStatus copyMatching(const KeychainQuery& query, std::vector<KeychainItem>& result) = 0;
+  /// Adds a new item; errSecDuplicateItem when one with its service and account exists.
+  virtual OSStatus add(const KeychainItem& item) = 0;
+  /// Changes every item matching `query` to carry the fields present in `changes`.
+  /// errSecItemNotFound when none matches; errSecDuplicateItem when a renamed item would
+  /// collide with another (then nothing changes).
+  virtual OSStatus update(const KeychainQuery& query, const KeychainItem& changes) = 0;
+  /// Deletes every item matching `query`; errSecItemNotFound when none matches.
+  virtual OSStatus remove(const KeychainQuery& query) = 0;
+
+  /// Stores a key; errSecDuplicateItem when a key with its tag and class exists.
+  virtual OSStatus storeKey(const KeychainKey& key) = 0;
+  /// Loads the key with `applicationTag` (and `keyClass`, when given) into `key`.
+  virtual OSStatus loadKey(std::string_view applicationTag,
+                           std::optional<KeychainKeyClass> keyClass, KeychainKey& key) = 0;
+  /// Deletes every key with `applicationTag`; errSecItemNotFound when there is none.
+  virtual OSStatus deleteKey(std::string_view applicationTag) = 0;
+};
+
+}  // namespace vorn

@@ -1,0 +1,124 @@
+#include "platform/sqlite/SqliteDefaultsStore.hpp"
+
+#include "vorn/logging/Log.hpp"
+
+namespace vorn {
+namespace {
+
+constexpr const char* kSchema =
+    "CREATE TABLE IF NOT EXISTS entries(suite TEXT NOT NULL, key TEXT NOT NULL, "
+    "type INTEGER NOT NULL, value, PRIMARY KEY(suite, key)) WITHOUT ROWID;";
+constexpr const char* kSelect = "SELECT type, value FROM entries WHERE suite = ?1 AND key = ?2";
+constexpr const char* kUpsert =
+    "INSERT INTO entries(suite, key, type, value) VALUES(?1, ?2, ?3, ?4) "
+    "ON CONFLICT(suite, key) DO UPDATE SET type = excluded.type, value = excluded.value";
+constexpr const char* kDelete = "DELETE FROM entries WHERE suite = ?1 AND key = ?2";
+constexpr const char* kDeleteSuite = "DELETE FROM entries WHERE suite = ?1";
+
+// The stored type tag is the variant's index, so reading back picks the same alternative.
+enum StoredType : int { kBool = 0, kInteger = 1, kText = 2, kData = 3 };
+
+void bindValue(sqlite3_stmt* statement, int index, const DefaultsValue& value) {
+  switch (value.index()) {
+    case kBool:
+      sqlite3_bind_int(statement, index, std::get<bool>(value) ? 1 : 0);
+      break;
+    case kInteger:
+      sqlite3_bind_int64(statement, index, std::get<std::int64_t>(value));
+      break;
+    case kText:
+      platform::bindText(statement, index, std::get<std::string>(value));
+      break;
+    default:
+      platform::bindBlob(statement, index, std::get<DefaultsData>(value));
+      break;
+  }
+}
+
+std::optional<DefaultsValue> columnValue(sqlite3_stmt* statement) {
+  switch (sqlite3_column_int(statement, 0)) {
+    case kBool:
+      return DefaultsValue(sqlite3_column_int(statement, 1) != 0);
+    case kInteger:
+      return DefaultsValue(static_cast<std::int64_t>(sqlite3_column_int64(statement, 1)));
+    case kText:
+      return DefaultsValue(platform::columnText(statement, 1));
+    case kData:
+      return DefaultsValue(platform::columnBlob(statement, 1));
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<DefaultsStore> DefaultsStore::openFile(const std::filesystem::path& directory) {
+  auto db = platform::SqliteDatabase::open(directory, kFileName, kSchema);
+  if (!db)
+    return nullptr;
+  return std::make_shared<platform::SqliteDefaultsStore>(std::move(db));
+}
+
+namespace platform {
+
+bool SqliteDefaultsStore::failure() {
+  VORN_LOG_ERROR(LoggerCategory::database, "Defaults store failure: " + db_->lastError());
+  return false;
+}
+
+std::optional<DefaultsValue> SqliteDefaultsStore::object(std::string_view suite,
+                                                         std::string_view key) {
+  std::lock_guard lock(mutex_);
+  sqlite3_stmt* statement = db_->statement(kSelect);
+  if (statement == nullptr) {
+    failure();
+    return std::nullopt;
+  }
+  StatementScope scope(statement);
+  bindText(statement, 1, suite);
+  bindText(statement, 2, key);
+  const int step = sqlite3_step(statement);
+  if (step == SQLITE_ROW)
+    return columnValue(statement);
+  if (step != SQLITE_DONE)
+    failure();
+  return std::nullopt;
+}
+
+bool SqliteDefaultsStore::set(std::string_view suite, std::string_view key,
+                              const DefaultsValue& value) {
+  std::lock_guard lock(mutex_);
+  sqlite3_stmt* statement = db_->statement(kUpsert);
+  if (statement == nullptr)
+    return failure();
+  StatementScope scope(statement);
+  bindText(statement, 1, suite);
+  bindText(statement, 2, key);
+  sqlite3_bind_int(statement, 3, static_cast<int>(value.index()));
+  bindValue(statement, 4, value);
+  return sqlite3_step(statement) == SQLITE_DONE || failure();
+}
+
+bool SqliteDefaultsStore::remove(std::string_view suite, std::string_view key) {
+  std::lock_guard lock(mutex_);
+  sqlite3_stmt* statement = db_->statement(kDelete);
+  if (statement == nullptr)
+    return failure();
+  StatementScope scope(statement);
+  bindText(statement, 1, suite);
+  bindText(statement, 2, key);
+  return sqlite3_step(statement) == SQLITE_DONE || failure();
+}
+
+bool SqliteDefaultsStore::removePersistentDomain(std::string_view suite) {
+  std::lock_guard lock(mutex_);
+  sqlite3_stmt* statement = db_->statement(kDeleteSuite);
+  if (statement == nullptr)
+    return failure();
+  StatementScope scope(statement);
+  bindText(statement, 1, suite);
+  return sqlite3_step(statement) == SQLITE_DONE || failure();
+}
+
+}  // namespace platform
+}  // namespace vorn

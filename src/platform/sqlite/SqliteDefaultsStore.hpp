@@ -1,0 +1,31 @@
+// The file-backed defaults store: defaults.db, one connection guarded by a mutex.
+//
+// One table of (suite, key) → typed value. Every setter is its own transaction, committed
+// to the WAL before it returns.
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "platform/sqlite/SqliteDatabase.hpp"
+#include "vorn/platform/DefaultsStore.hpp"
+
+namespace vorn::platform {
+
+class SqliteDefaultsStore final : public DefaultsStore {
+ public:
+  explicit SqliteDefaultsStore(std::unique_ptr<SqliteDatabase> db) : db_(std::move(db)) {}
+
+  std::optional<DefaultsValue> object(std::string_view suite, std::string_view key) override;
+  bool set(std::string_view suite, std::string_view key, const DefaultsValue& value) override;
+  bool remove(std::string_view suite, std::string_view key) override;
+  bool removePersistentDomain(std::string_view suite) override;
+
+ private:
+  bool failure();
+
+  std::mutex mutex_;
+  std::unique_ptr<SqliteDatabase> db_;  // guarded by mutex_
+};
+
+}  // namespace vorn::platform

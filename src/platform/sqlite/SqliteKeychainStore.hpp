@@ -1,0 +1,44 @@
+// The file-backed key store: keychain.db, one connection guarded by a mutex.
+//
+// Items live in `items` (unique by service and account, ordered by insertion), keys in
+// `keys` (unique by tag and class). Further item attributes are kept as one CBOR map.
+// Any SQLite failure answers errSecNotAvailable after a log line.
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "platform/sqlite/SqliteDatabase.hpp"
+#include "vorn/platform/KeychainStore.hpp"
+
+namespace vorn::platform {
+
+class SqliteKeychainStore final : public KeychainStore {
+ public:
+  explicit SqliteKeychainStore(std::unique_ptr<SqliteDatabase> db) : db_(std::move(db)) {}
+
+  OSStatus copyMatching(const KeychainQuery& query, std::vector<KeychainItem>& result) override;
+  OSStatus add(const KeychainItem& item) override;
+  OSStatus update(const KeychainQuery& query, const KeychainItem& changes) override;
+  OSStatus remove(const KeychainQuery& query) override;
+
+  OSStatus storeKey(const KeychainKey& key) override;
+  OSStatus loadKey(std::string_view applicationTag, std::optional<KeychainKeyClass> keyClass,
+                   KeychainKey& key) override;
+  OSStatus deleteKey(std::string_view applicationTag) override;
+
+ private:
+  struct Row {
+    std::int64_t id = 0;
+    KeychainItem item;  // every field filled
+  };
+
+  OSStatus selectMatching(const KeychainQuery& query, bool onlyFirst, std::vector<Row>& rows);
+  OSStatus writeRow(const Row& row);
+  OSStatus failure();
+
+  std::mutex mutex_;
+  std::unique_ptr<SqliteDatabase> db_;  // guarded by mutex_
+};
+
+}  // namespace vorn::platform
