@@ -20,11 +20,15 @@ void WorkerPool::submit(std::function<void()> task) {
   std::lock_guard lock(mutex_);
   ready_.push_back(std::move(task));
   waiting_.store(ready_.size(), std::memory_order_relaxed);
-  if (idle_ > 0) {
-    workAvailable_.notify_one();
+  if (!sleepers_.empty()) {
+    Sleeper* sleeper = sleepers_.back();
+    sleepers_.pop_back();
+    sleeper->woken = true;
+    sleeper->wake.notify_one();
   } else if (threads_ < baseThreads_) {
     spawnWorkerLocked();
   } else if (monitorParked_) {
+    monitorParked_ = false;
     monitorWake_.notify_one();
   }
 }
@@ -52,17 +56,19 @@ void WorkerPool::workerLoop(bool extra) {
   std::unique_lock lock(mutex_);
   for (;;) {
     while (ready_.empty()) {
-      ++idle_;
-      bool timedOut = false;
+      Sleeper sleeper;
+      sleepers_.push_back(&sleeper);
       if (extra) {
-        timedOut = workAvailable_.wait_for(lock, kIdleRetirement) == std::cv_status::timeout;
+        sleeper.wake.wait_for(lock, kIdleRetirement, [&] { return sleeper.woken; });
       } else {
-        workAvailable_.wait(lock);
+        sleeper.wake.wait(lock, [&] { return sleeper.woken; });
       }
-      --idle_;
-      if (timedOut && ready_.empty()) {
-        --threads_;
-        return;
+      if (!sleeper.woken) {
+        std::erase(sleepers_, &sleeper);
+        if (ready_.empty()) {
+          --threads_;
+          return;
+        }
       }
     }
     std::function<void()> task = std::move(ready_.front());
@@ -78,21 +84,26 @@ void WorkerPool::workerLoop(bool extra) {
 
 void WorkerPool::monitorLoop() {
   std::unique_lock lock(mutex_);
+  int quietTicks = 0;
   for (;;) {
-    if (ready_.empty() || idle_ > 0 || threads_ >= kMaxThreads) {
-      monitorParked_ = true;
-      monitorWake_.wait(lock);
-      monitorParked_ = false;
-      continue;
-    }
-    // Work is waiting and nobody is free: if no worker takes a task for a whole interval,
-    // they are all blocked, and only a new thread can make progress.
+    // If no worker takes a task for a whole interval while work waits and nobody is idle,
+    // every worker has been stuck in its task that long, and only a new thread can make
+    // progress.
     const std::uint64_t seen = taken_;
     const auto deadline = std::chrono::steady_clock::now() + kStallInterval;
     monitorWake_.wait_until(lock, deadline,
                             [&] { return std::chrono::steady_clock::now() >= deadline; });
-    if (!ready_.empty() && idle_ == 0 && taken_ == seen && threads_ < kMaxThreads) {
+    if (!ready_.empty() && sleepers_.empty() && taken_ == seen && threads_ < kMaxThreads) {
       spawnWorkerLocked();
+    }
+    // Ticking costs nothing measurable while the pool is busy, but an idle process should
+    // not wake up a hundred times a second: after a quiet spell the monitor sleeps until
+    // submit() finds every worker busy again.
+    quietTicks = (ready_.empty() && sleepers_.size() == threads_) ? quietTicks + 1 : 0;
+    if (quietTicks >= kQuietTicksBeforeParking) {
+      monitorParked_ = true;
+      monitorWake_.wait(lock, [this] { return !monitorParked_; });
+      quietTicks = 0;
     }
   }
 }

@@ -3,7 +3,10 @@
 // Tasks wait on one ready list. Workers start lazily up to the base count (the number of
 // hardware threads, at least two). A monitor thread watches for work that makes no progress
 // because every worker is blocked and then adds a worker, up to kMaxThreads; workers beyond
-// the base count retire after kIdleRetirement without work. The pool is immortal.
+// the base count retire after kIdleRetirement without work. Idle workers are woken
+// last-in first-out, one per task, never all at once. The monitor ticks every
+// kStallInterval while the pool is in use and parks after a quiet second. The pool is
+// immortal.
 #pragma once
 
 #include <atomic>
@@ -14,6 +17,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <vector>
 
 namespace vorn::detail {
 
@@ -22,6 +26,7 @@ class WorkerPool {
   static constexpr std::size_t kMaxThreads = 64;
   static constexpr std::chrono::seconds kIdleRetirement{5};
   static constexpr std::chrono::milliseconds kStallInterval{10};
+  static constexpr int kQuietTicksBeforeParking = 100;
 
   static WorkerPool& shared();
 
@@ -35,6 +40,12 @@ class WorkerPool {
  private:
   WorkerPool();
 
+  // A worker waiting for a task; lives on that worker's stack.
+  struct Sleeper {
+    std::condition_variable wake;
+    bool woken = false;  // guarded by mutex_
+  };
+
   void spawnWorkerLocked();
   void workerLoop(bool extra);
   void monitorLoop();
@@ -42,15 +53,17 @@ class WorkerPool {
   const std::size_t baseThreads_;
 
   std::mutex mutex_;
-  std::condition_variable workAvailable_;
   std::condition_variable monitorWake_;
   std::deque<std::function<void()>> ready_;  // guarded by mutex_
   std::size_t threads_ = 0;                  // guarded by mutex_
-  std::size_t idle_ = 0;                     // guarded by mutex_
-  std::uint64_t taken_ = 0;                  // guarded by mutex_; tasks handed to workers
-  bool monitorStarted_ = false;              // guarded by mutex_
-  bool monitorParked_ = false;               // guarded by mutex_
-  std::atomic<std::size_t> waiting_{0};      // mirrors ready_.size() for lock-free peeks
+  // Guarded by mutex_. Idle workers, most recently idle last: waking the last one keeps a
+  // single hot thread serving a queue that is fed one item at a time, which lets the kernel
+  // keep it next to the producer, and leaves the coldest threads to retire.
+  std::vector<Sleeper*> sleepers_;
+  std::uint64_t taken_ = 0;              // guarded by mutex_; tasks handed to workers
+  bool monitorStarted_ = false;          // guarded by mutex_
+  bool monitorParked_ = false;           // guarded by mutex_
+  std::atomic<std::size_t> waiting_{0};  // mirrors ready_.size() for lock-free peeks
 };
 
 }  // namespace vorn::detail

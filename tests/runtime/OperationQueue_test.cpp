@@ -93,12 +93,10 @@ TEST(OperationQueueTest, CancelAllStartsPendingOperationsWithoutTheirWork) {
   queue.setMaxConcurrentOperationCount(1);
   test::Latch gate;
   test::Latch started;
-  std::atomic<bool> blockerSawCancel{false};
   auto blocker = std::make_shared<BlockOperation>([&] {
     started.countDown();
     EXPECT_TRUE(gate.wait());
   });
-  blocker->setCompletionBlock([&, raw = blocker.get()] { blockerSawCancel = raw->isCancelled(); });
   queue.addOperation(blocker);
   ASSERT_TRUE(started.wait());
 
@@ -124,6 +122,7 @@ TEST(OperationQueueTest, CancelAllStartsPendingOperationsWithoutTheirWork) {
   EXPECT_TRUE(completions.wait());
   EXPECT_EQ(mainRuns.load(), 0);
   EXPECT_EQ(startedPending.load(), kPending);
+  EXPECT_TRUE(blocker->isCancelled());
   for (const auto& op : pending) {
     EXPECT_TRUE(op->isCancelled());
     EXPECT_TRUE(op->isFinished());
