@@ -38,7 +38,7 @@ class VORN_API VORNCrypto {
   /// Writes the identifier into the keychain item, with one retry; false when both fail.
   static bool setDeviceBaseAppIdentifier(std::string_view identifier);
 
-  static bool baseAppIdentifierIsConfigured() noexcept;
+  static bool baseAppIdentifierIsConfigured();
   static void setBaseAppIdentifierIsConfigured(bool configured) noexcept;
   static bool baseAppIdentifierConfiguredThisLaunch() noexcept;
   static void setBaseAppIdentifierConfiguredThisLaunch(bool configured) noexcept;
