@@ -99,11 +99,11 @@ bool startsClean(std::string_view text) {
 }  // namespace
 
 std::string doubleText(double value) {
-  return floatingText(value, 0x1.0p54);
+  return floatingText(value, 0x1.0p53);
 }
 
 std::string floatText(float value) {
-  return floatingText(value, 0x1.0p25f);
+  return floatingText(value, 0x1.0p24f);
 }
 
 std::optional<std::int64_t> parseInteger(std::string_view text) {
