@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <thread>
 #include <variant>
+#include <vector>
 
 #include "secure_prefs_support.hpp"
 #include "vorn/storage/Base64.hpp"
@@ -177,6 +179,50 @@ TEST_F(SecurePrefsEntries, ClearAllDeletesTheSuiteAndDisablesTheInstance) {
   prefs->clearAll();
   EXPECT_EQ(other->stringFor("k"), "new");
   EXPECT_EQ(sink->count("Cleared all data. Further calls to this instance will do nothing."), 1u);
+}
+
+}  // namespace
+}  // namespace vorn
+
+namespace vorn {
+namespace {
+
+TEST(SecurePrefsThreads, ConcurrentWritersAndReadersOfOneSuite) {
+  auto store = DefaultsStore::inMemory();
+  auto manager = test::managerWithKeyByte(5);
+  auto prefs = std::make_shared<SecurePrefs>(store->suite("com.quorvantis.tessarine_T"), manager);
+  constexpr int kThreads = 4;
+  constexpr int kEntries = 200;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      SecurePrefs own(store->suite("com.quorvantis.tessarine_T"), manager);
+      for (int i = 0; i < kEntries; ++i) {
+        const std::string key = std::to_string(t) + "/" + std::to_string(i);
+        EXPECT_TRUE(prefs->setString(key, key));
+        EXPECT_EQ(own.stringFor(key), key);
+      }
+    });
+  }
+  for (auto& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(prefs->stringFor("3/199"), "3/199");
+}
+
+TEST(SecurePrefsThreads, ClearAllWhileOthersWriteLeavesAnInertInstance) {
+  auto store = DefaultsStore::inMemory();
+  auto prefs = std::make_shared<SecurePrefs>(store->suite("com.quorvantis.tessarine_T"),
+                                             test::managerWithKeyByte(5));
+  std::thread writer([&] {
+    for (int i = 0; i < 500; ++i) {
+      prefs->setInt(i, "n" + std::to_string(i));
+    }
+  });
+  prefs->clearAll();
+  writer.join();
+  EXPECT_FALSE(prefs->isLive());
+  EXPECT_EQ(prefs->intFor("n499"), std::nullopt);
 }
 
 }  // namespace
