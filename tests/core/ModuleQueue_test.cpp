@@ -97,6 +97,7 @@ TEST(ModuleQueue, AddLogsTheCountAfterAdding) {
   EXPECT_TRUE(
       sink->contains("New operation (2 of 100) added to the `vornsdk.module.cdp.tasks` queue."));
   gate.open();
+  ASSERT_TRUE(waitUntil([&] { return queue.operationCount() == 0; }));
 }
 
 TEST(ModuleQueue, HundredAndFirstCancelsTheBacklogAndIsDropped) {
