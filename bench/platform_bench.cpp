@@ -1,8 +1,7 @@
-// Costs of the platform stores: a durable defaults write and a point read on the SQLite
-// backend next to the same statements run on a bare connection, and item round trips on the
-// key store. Run: build/platform/bench/vorn_platform_bench
+// Costs of the file-backed platform stores: a durable defaults write and a point read, and
+// item round trips on the key store, each next to the in-memory backend as the floor of the
+// store's own bookkeeping. Run: build/platform/bench/vorn_platform_bench
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -38,59 +37,13 @@ void BM_DefaultsStringFor(benchmark::State& state) {
 }
 BENCHMARK(BM_DefaultsStringFor);
 
-// The floor: the same upsert and select on a bare WAL connection with cached statements.
-void BM_RawSqliteUpsert(benchmark::State& state) {
-  const auto dir = freshDirectory();
-  sqlite3* db = nullptr;
-  sqlite3_open((dir / "raw.db").c_str(), &db);
-  sqlite3_exec(db,
-               "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE TABLE t(s TEXT, k "
-               "TEXT, v, PRIMARY KEY(s, k)) WITHOUT ROWID;",
-               nullptr, nullptr, nullptr);
-  sqlite3_stmt* upsert = nullptr;
-  sqlite3_prepare_v2(db,
-                     "INSERT INTO t VALUES(?1, ?2, ?3) ON CONFLICT(s, k) DO UPDATE SET v = "
-                     "excluded.v",
-                     -1, &upsert, nullptr);
+void BM_MemoryDefaultsSetString(benchmark::State& state) {
+  auto suite = vorn::DefaultsStore::inMemory()->suite("bench");
   std::int64_t i = 0;
-  for (auto _ : state) {
-    const std::string value = "value-" + std::to_string(i++ % 64);
-    sqlite3_bind_text(upsert, 1, "bench", -1, SQLITE_STATIC);
-    sqlite3_bind_text(upsert, 2, "key", -1, SQLITE_STATIC);
-    sqlite3_bind_text(upsert, 3, value.c_str(), -1, SQLITE_TRANSIENT);
-    sqlite3_step(upsert);
-    sqlite3_reset(upsert);
-  }
-  sqlite3_finalize(upsert);
-  sqlite3_close(db);
-  std::filesystem::remove_all(dir);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(suite.setString("value-" + std::to_string(i++ % 64), "key"));
 }
-BENCHMARK(BM_RawSqliteUpsert);
-
-void BM_RawSqlitePointRead(benchmark::State& state) {
-  const auto dir = freshDirectory();
-  sqlite3* db = nullptr;
-  sqlite3_open((dir / "raw.db").c_str(), &db);
-  sqlite3_exec(db,
-               "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE TABLE t(s TEXT, k "
-               "TEXT, v, PRIMARY KEY(s, k)) WITHOUT ROWID; INSERT INTO t VALUES('bench', 'key', "
-               "'value');",
-               nullptr, nullptr, nullptr);
-  sqlite3_stmt* select = nullptr;
-  sqlite3_prepare_v2(db, "SELECT v FROM t WHERE s = ?1 AND k = ?2", -1, &select, nullptr);
-  for (auto _ : state) {
-    sqlite3_bind_text(select, 1, "bench", -1, SQLITE_STATIC);
-    sqlite3_bind_text(select, 2, "key", -1, SQLITE_STATIC);
-    if (sqlite3_step(select) == SQLITE_ROW)
-      benchmark::DoNotOptimize(
-          std::string(reinterpret_cast<const char*>(sqlite3_column_text(select, 0))));
-    sqlite3_reset(select);
-  }
-  sqlite3_finalize(select);
-  sqlite3_close(db);
-  std::filesystem::remove_all(dir);
-}
-BENCHMARK(BM_RawSqlitePointRead);
+BENCHMARK(BM_MemoryDefaultsSetString);
 
 void BM_KeychainUpdateItem(benchmark::State& state) {
   const auto dir = freshDirectory();
