@@ -17,6 +17,10 @@ namespace detail {
 
 namespace {
 thread_local OperationQueue* tlCurrentQueue = nullptr;
+// The queue whose start task is running on this thread, and whether a notification asked it
+// to pump once start() has returned.
+thread_local const void* tlStartingCore = nullptr;
+thread_local bool tlPumpAfterStart = false;
 
 class ScopedCurrentQueue {
  public:
@@ -79,21 +83,56 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
           it = pending.erase(it);
           entry->started = true;
           ++running;
-          DispatchQueue::global().async([self = shared_from_this(), entry] {
-            ScopedCurrentQueue scope(self->owner.load(std::memory_order_acquire));
-            try {
-              entry->operation->start();
-            } catch (...) {
-              // An operation's start() throwing must not take the worker with it. The
-              // operation stays in the queue unless it announced that it finished.
-            }
-          });
+          DispatchQueue::global().async(
+              [self = shared_from_this(), entry] { self->runStart(*entry->operation); });
         } else {
           ++it;
         }
       }
     } while (repump);
     pumping = false;
+  }
+
+  void runStart(Operation& operation) {
+    ScopedCurrentQueue scope(owner.load(std::memory_order_acquire));
+    const void* outerCore = std::exchange(tlStartingCore, this);
+    const bool outerRequest = std::exchange(tlPumpAfterStart, false);
+    try {
+      operation.start();
+    } catch (...) {
+      // An operation's start() throwing must not take the worker with it. The operation
+      // stays in the queue unless it announced that it finished.
+    }
+    const bool pumpNow = std::exchange(tlPumpAfterStart, outerRequest);
+    tlStartingCore = outerCore;
+    if (pumpNow) {
+      pump();
+    }
+  }
+
+  // Notifications arrive on the notifying operation's thread, possibly while it holds its
+  // own locks; pumping there would call other operations' isReady() under those locks and
+  // open the door to lock-order inversions between operations. So the pump runs later: right
+  // after start() returns when the notification came from inside it, else as a pool task.
+  void requestPump() {
+    if (tlStartingCore == this) {
+      tlPumpAfterStart = true;
+      return;
+    }
+    {
+      std::lock_guard lock(mutex);
+      if (deferredPumpScheduled) {
+        return;
+      }
+      deferredPumpScheduled = true;
+    }
+    DispatchQueue::global().async([self = shared_from_this()] {
+      {
+        std::lock_guard lock(self->mutex);
+        self->deferredPumpScheduled = false;
+      }
+      self->pump();
+    });
   }
 
   void finished(const std::shared_ptr<Entry>& entry) {
@@ -115,16 +154,16 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
       }
     }
     entry->operation->removeObserver(token);
-    pump();
   }
 
   void observe(const std::shared_ptr<Entry>& entry, std::string_view key) {
     if (key == "isFinished") {
       if (entry->operation->isFinished()) {
         finished(entry);
+        requestPump();
       }
     } else if (key == "isReady") {
-      pump();
+      requestPump();
     }
   }
 
@@ -139,6 +178,7 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
   std::size_t running = 0;                    // guarded by mutex
   bool pumping = false;                       // guarded by mutex
   bool repump = false;                        // guarded by mutex
+  bool deferredPumpScheduled = false;         // guarded by mutex
 };
 
 }  // namespace detail

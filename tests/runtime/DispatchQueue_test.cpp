@@ -5,7 +5,6 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -115,29 +114,41 @@ TEST(DispatchQueueTest, ThrowingAsyncWorkDoesNotStopTheQueue) {
 }
 
 TEST(DispatchQueueTest, AsyncAfterRunsInDeadlineOrderAndNotBefore) {
+  using Clock = std::chrono::steady_clock;
   DispatchQueue queue("test.after");
-  std::mutex mutex;
-  std::vector<std::pair<int, std::chrono::steady_clock::time_point>> ran;
-  test::Latch done(3);
-  const auto start = std::chrono::steady_clock::now();
-  auto record = [&](int id) {
-    return [&, id] {
-      {
-        std::lock_guard lock(mutex);
-        ran.emplace_back(id, std::chrono::steady_clock::now());
-      }
-      done.countDown();
-    };
+  // Scheduled in reverse order. The exact deadline lies between now() before and after each
+  // call, so the order is only checked between items whose deadline windows do not overlap
+  // (a loaded machine may stall the scheduling thread between calls).
+  const std::vector<std::chrono::milliseconds> delays{60ms, 40ms, 20ms};
+  struct Window {
+    Clock::time_point earliest;
+    Clock::time_point latest;
   };
-  queue.asyncAfter(60ms, record(3));
-  queue.asyncAfter(20ms, record(1));
-  queue.asyncAfter(40ms, record(2));
+  std::vector<Window> windows(delays.size());
+  std::vector<Clock::time_point> ranAt(delays.size());
+  std::vector<std::size_t> order;  // touched only on `queue`
+  test::Latch done(static_cast<int>(delays.size()));
+  for (std::size_t i = 0; i < delays.size(); ++i) {
+    const auto before = Clock::now();
+    queue.asyncAfter(delays[i], [&, i] {
+      ranAt[i] = Clock::now();
+      order.push_back(i);
+      done.countDown();
+    });
+    windows[i] = {before + delays[i], Clock::now() + delays[i]};
+  }
   ASSERT_TRUE(done.wait());
-  std::lock_guard lock(mutex);
-  ASSERT_EQ(ran.size(), 3u);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(ran[i].first, i + 1);
-    EXPECT_GE(ran[i].second - start, (i + 1) * 20ms);
+  std::vector<std::size_t> position(delays.size());
+  for (std::size_t p = 0; p < order.size(); ++p) {
+    position[order[p]] = p;
+  }
+  for (std::size_t i = 0; i < delays.size(); ++i) {
+    EXPECT_GE(ranAt[i], windows[i].earliest) << "item " << i << " ran before its deadline";
+    for (std::size_t k = 0; k < delays.size(); ++k) {
+      if (windows[i].latest < windows[k].earliest) {
+        EXPECT_LT(position[i], position[k]) << "item " << i << " is due before item " << k;
+      }
+    }
   }
 }
 

@@ -163,6 +163,45 @@ TEST(OperationQueueTest, DestroyedQueueStillRunsItsOperations) {
   EXPECT_TRUE(done.wait());
 }
 
+// Announces its changes while holding its own lock and takes that lock to answer isReady()
+// and isFinished(),
+// as operations with guarded state do. A queue that asked other operations whether they are
+// ready from inside such a notification would nest their locks in both orders (which
+// ThreadSanitizer reports as a lock-order inversion, and which can deadlock).
+class GuardedOperation : public BlockOperation {
+ public:
+  using BlockOperation::BlockOperation;
+  void start() override {
+    std::lock_guard lock(mutex_);
+    BlockOperation::start();
+  }
+  bool isReady() const override {
+    std::lock_guard lock(mutex_);
+    return BlockOperation::isReady();
+  }
+  bool isFinished() const override {
+    std::lock_guard lock(mutex_);
+    return BlockOperation::isFinished();
+  }
+
+ private:
+  mutable std::recursive_mutex mutex_;
+};
+
+TEST(OperationQueueTest, NotificationsUnderAnOperationsLockDoNotNestOtherOperationsLocks) {
+  OperationQueue queue;
+  std::atomic<int> ran{0};
+  for (int round = 0; round < 50; ++round) {
+    auto first = std::make_shared<GuardedOperation>([&] { ran.fetch_add(1); });
+    auto second = std::make_shared<GuardedOperation>([&] { ran.fetch_add(1); });
+    second->addDependency(first);
+    queue.addOperation(second);
+    queue.addOperation(first);
+  }
+  queue.waitUntilAllOperationsAreFinished();
+  EXPECT_EQ(ran.load(), 100);
+}
+
 // Several threads add, cancel and wait on shared queues at once, with dependencies crossing
 // queues; meant to be run under ThreadSanitizer as much as to check the final state.
 TEST(OperationQueueTest, StressAddCancelAndWaitFromManyThreads) {
