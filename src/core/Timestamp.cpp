@@ -1,7 +1,5 @@
 #include "vorn/core/Timestamp.hpp"
 
-#include <cstdio>
-
 namespace vorn {
 namespace {
 
@@ -14,17 +12,9 @@ std::string formatSecond(std::chrono::sys_seconds second) {
   const auto day = std::chrono::floor<std::chrono::days>(second);
   const std::chrono::year_month_day ymd{day};
   const std::chrono::hh_mm_ss time{second - day};
-  const int year = static_cast<int>(ymd.year());
-  if (year < 0 || year > 9999) {
-    char buffer[48];
-    std::snprintf(buffer, sizeof buffer, "%04d-%02u-%02uT%02d:%02d:%02dZ", year,
-                  static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
-                  static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                  static_cast<int>(time.seconds().count()));
-    return buffer;
-  }
+  // Date holds nanoseconds, so its years (1677 to 2262) always have four digits.
+  const auto y = static_cast<unsigned>(static_cast<int>(ymd.year()));
   std::string text = "0000-00-00T00:00:00Z";
-  const auto y = static_cast<unsigned>(year);
   putTwoDigits(&text[0], y / 100);
   putTwoDigits(&text[2], y % 100);
   putTwoDigits(&text[5], static_cast<unsigned>(ymd.month()));

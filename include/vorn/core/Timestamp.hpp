@@ -2,7 +2,6 @@
 // the POSIX locale's digits. Messages carry one; other parts of the SDK reuse the format.
 //
 // Fractions of a second are dropped (times before 1970 round down, to the earlier second).
-// Years outside 0..9999 print with as many digits as they need.
 //
 // Thread-safe. Each thread keeps the text of the last second it formatted, so stamping many
 // messages within one second formats once.

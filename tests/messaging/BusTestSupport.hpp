@@ -1,0 +1,93 @@
+// Helpers shared by the event bus tests: module statuses set directly, and a subscriber that
+// records what it receives and can hold deliveries back.
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "vorn/messaging/EventBus.hpp"
+#include "vorn/messaging/Subscriber.hpp"
+
+namespace vorn::bustest {
+
+// Installs itself as the bus's status source; every module starts `inactive`.
+class Statuses {
+ public:
+  Statuses() {
+    EventBus::setStatusSource([this](ModuleName module) {
+      std::lock_guard lock(mutex_);
+      return statuses_[static_cast<std::size_t>(module)];
+    });
+  }
+  ~Statuses() { EventBus::setStatusSource(nullptr); }
+
+  void set(ModuleName module, ModuleStatus status) {
+    std::lock_guard lock(mutex_);
+    statuses_[static_cast<std::size_t>(module)] = status;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::array<ModuleStatus, 2> statuses_{ModuleStatus::inactive, ModuleStatus::inactive};
+};
+
+class RecordingSubscriber : public Subscriber {
+ public:
+  explicit RecordingSubscriber(ModuleName name) : name_(name) {}
+
+  ModuleName name() const override { return name_; }
+
+  void receive(std::shared_ptr<const Message> message) override {
+    std::unique_lock lock(mutex_);
+    received_.push_back(message);
+    threads_.push_back(std::this_thread::get_id());
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return !held_; });
+  }
+
+  /// While held, every receive() blocks after recording its message.
+  void hold() {
+    std::lock_guard lock(mutex_);
+    held_ = true;
+  }
+  void release() {
+    std::lock_guard lock(mutex_);
+    held_ = false;
+    changed_.notify_all();
+  }
+
+  std::vector<std::shared_ptr<const Message>> received() const {
+    std::lock_guard lock(mutex_);
+    return received_;
+  }
+  std::vector<std::string> receivedIds() const {
+    std::lock_guard lock(mutex_);
+    std::vector<std::string> ids;
+    for (const auto& message : received_)
+      ids.push_back(message->id());
+    return ids;
+  }
+  std::vector<std::thread::id> threads() const {
+    std::lock_guard lock(mutex_);
+    return threads_;
+  }
+  std::size_t count() const {
+    std::lock_guard lock(mutex_);
+    return received_.size();
+  }
+
+ private:
+  const ModuleName name_;
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  bool held_ = false;                                     // guarded by mutex_
+  std::vector<std::shared_ptr<const Message>> received_;  // guarded by mutex_
+  std::vector<std::thread::id> threads_;                  // guarded by mutex_
+};
+
+}  // namespace vorn::bustest
