@@ -82,7 +82,7 @@ void moduleQueue() {
   while (vorn::ModuleQueues::pendingOperationCount(vorn::ModuleName::push).value_or(0) > 0) {
     std::this_thread::sleep_for(1ms);
   }
-  std::printf("  ran %d (the rest were cancelled), cdp queue count: %s\n", ran.load(),
+  std::printf("  ran %d of 3 before the queue was cancelled; cdp queue: %s\n", ran.load(),
               vorn::ModuleQueues::pendingOperationCount(vorn::ModuleName::cdp) ? "some" : "none");
   vorn::ModuleQueues::removeQueue(vorn::ModuleName::push);
 }
