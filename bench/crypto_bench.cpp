@@ -2,21 +2,12 @@
 // context kept across iterations: the library's overhead is the difference.
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 #include <openssl/evp.h>
 
 #include "vorn/storage/Gzip.hpp"
 #include "vorn/storage/VORNSDKCryptoUtils.hpp"
 
 namespace {
-
-// The library links OpenSSL privately, so this program does not link it itself; it takes the
-// raw entry points from the copy already loaded with the library.
-template <class F>
-F* rawEvp(F*, const char* name) {
-  return reinterpret_cast<F*>(dlsym(RTLD_DEFAULT, name));
-}
-#define RAW(fn) static auto* const raw_##fn = rawEvp(&fn, #fn)
 
 const vorn::Bytes kKey(32, 0x11);
 const vorn::Bytes kIV(16, 0x22);
@@ -29,46 +20,33 @@ void BM_Aes256Encrypt16_Library(benchmark::State& state) {
 BENCHMARK(BM_Aes256Encrypt16_Library);
 
 void BM_Aes256Encrypt16_RawEvpReusedContext(benchmark::State& state) {
-  RAW(EVP_CIPHER_fetch);
-  RAW(EVP_CIPHER_free);
-  RAW(EVP_CIPHER_CTX_new);
-  RAW(EVP_CIPHER_CTX_free);
-  RAW(EVP_EncryptInit_ex2);
-  RAW(EVP_EncryptUpdate);
-  RAW(EVP_EncryptFinal_ex);
-  EVP_CIPHER* cipher = raw_EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr);
-  EVP_CIPHER_CTX* context = raw_EVP_CIPHER_CTX_new();
-  raw_EVP_EncryptInit_ex2(context, cipher, nullptr, nullptr, nullptr);
+  EVP_CIPHER* cipher = EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr);
+  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+  EVP_EncryptInit_ex2(context, cipher, nullptr, nullptr, nullptr);
   unsigned char out[32];
   for (auto _ : state) {
     int written = 0;
     int last = 0;
-    raw_EVP_EncryptInit_ex2(context, nullptr, kKey.data(), kIV.data(), nullptr);
-    raw_EVP_EncryptUpdate(context, out, &written, kBlock.data(), 16);
-    raw_EVP_EncryptFinal_ex(context, out + written, &last);
+    EVP_EncryptInit_ex2(context, nullptr, kKey.data(), kIV.data(), nullptr);
+    EVP_EncryptUpdate(context, out, &written, kBlock.data(), 16);
+    EVP_EncryptFinal_ex(context, out + written, &last);
     benchmark::DoNotOptimize(out);
   }
-  raw_EVP_CIPHER_CTX_free(context);
-  raw_EVP_CIPHER_free(cipher);
+  EVP_CIPHER_CTX_free(context);
+  EVP_CIPHER_free(cipher);
 }
 BENCHMARK(BM_Aes256Encrypt16_RawEvpReusedContext);
 
 void BM_Aes256Encrypt16_RawEvpNewContextEachCall(benchmark::State& state) {
-  RAW(EVP_CIPHER_CTX_new);
-  RAW(EVP_CIPHER_CTX_free);
-  RAW(EVP_aes_256_cbc);
-  RAW(EVP_EncryptInit_ex);
-  RAW(EVP_EncryptUpdate);
-  RAW(EVP_EncryptFinal_ex);
   unsigned char out[32];
   for (auto _ : state) {
-    EVP_CIPHER_CTX* context = raw_EVP_CIPHER_CTX_new();
+    EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
     int written = 0;
     int last = 0;
-    raw_EVP_EncryptInit_ex(context, raw_EVP_aes_256_cbc(), nullptr, kKey.data(), kIV.data());
-    raw_EVP_EncryptUpdate(context, out, &written, kBlock.data(), 16);
-    raw_EVP_EncryptFinal_ex(context, out + written, &last);
-    raw_EVP_CIPHER_CTX_free(context);
+    EVP_EncryptInit_ex(context, EVP_aes_256_cbc(), nullptr, kKey.data(), kIV.data());
+    EVP_EncryptUpdate(context, out, &written, kBlock.data(), 16);
+    EVP_EncryptFinal_ex(context, out + written, &last);
+    EVP_CIPHER_CTX_free(context);
     benchmark::DoNotOptimize(out);
   }
 }

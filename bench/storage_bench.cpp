@@ -3,12 +3,8 @@
 // statements reused) and a raw AES-256-CBC call (cipher fetched once, context reused).
 // A secure-prefs write costs about two AES calls and one upsert; a read one AES
 // encryption, one decryption and one point read.
-//
-// The raw SQLite and OpenSSL functions are the ones the library itself loaded, looked up by
-// name, so this program needs no link dependency of its own on either.
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 #include <openssl/evp.h>
 #include <sqlite3.h>
 #include <stdlib.h>
@@ -31,11 +27,6 @@ using vorn::Bytes;
 
 constexpr int kKeys = 1000;
 const std::string kText20 = "abcdefghij0123456789";
-
-template <class F>
-F* symbol(const char* name) {
-  return reinterpret_cast<F*>(dlsym(RTLD_DEFAULT, name));
-}
 
 std::filesystem::path benchDirectory() {
   static const std::filesystem::path dir = [] {
@@ -69,39 +60,38 @@ class RawSqlite {
  public:
   RawSqlite() {
     const std::string path = (benchDirectory() / "raw.db").string();
-    symbol<decltype(sqlite3_open)>("sqlite3_open")(path.c_str(), &db_);
-    auto exec = symbol<decltype(sqlite3_exec)>("sqlite3_exec");
-    exec(db_, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
-    exec(db_, "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
-    exec(db_,
-         "CREATE TABLE IF NOT EXISTS entries(suite TEXT NOT NULL, key TEXT NOT NULL, "
-         "value BLOB, PRIMARY KEY(suite, key))",
-         nullptr, nullptr, nullptr);
-    auto prepare = symbol<decltype(sqlite3_prepare_v2)>("sqlite3_prepare_v2");
-    prepare(db_,
-            "INSERT INTO entries(suite, key, value) VALUES(?1, ?2, ?3) "
-            "ON CONFLICT(suite, key) DO UPDATE SET value = excluded.value",
-            -1, &upsert_, nullptr);
-    prepare(db_, "SELECT value FROM entries WHERE suite = ?1 AND key = ?2", -1, &select_, nullptr);
+    sqlite3_open(path.c_str(), &db_);
+    sqlite3_exec(db_, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+    sqlite3_exec(db_, "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
+    sqlite3_exec(db_,
+                 "CREATE TABLE IF NOT EXISTS entries(suite TEXT NOT NULL, key TEXT NOT NULL, "
+                 "value BLOB, PRIMARY KEY(suite, key))",
+                 nullptr, nullptr, nullptr);
+    sqlite3_prepare_v2(db_,
+                       "INSERT INTO entries(suite, key, value) VALUES(?1, ?2, ?3) "
+                       "ON CONFLICT(suite, key) DO UPDATE SET value = excluded.value",
+                       -1, &upsert_, nullptr);
+    sqlite3_prepare_v2(db_, "SELECT value FROM entries WHERE suite = ?1 AND key = ?2", -1, &select_,
+                       nullptr);
   }
 
   void write(const std::string& key, const Bytes& value) {
-    bindText_(upsert_, 1, "suite", -1, SQLITE_STATIC);
-    bindText_(upsert_, 2, key.c_str(), static_cast<int>(key.size()), SQLITE_STATIC);
-    bindBlob_(upsert_, 3, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
-    step_(upsert_);
-    reset_(upsert_);
+    sqlite3_bind_text(upsert_, 1, "suite", -1, SQLITE_STATIC);
+    sqlite3_bind_text(upsert_, 2, key.c_str(), static_cast<int>(key.size()), SQLITE_STATIC);
+    sqlite3_bind_blob(upsert_, 3, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
+    sqlite3_step(upsert_);
+    sqlite3_reset(upsert_);
   }
 
   Bytes read(const std::string& key) {
-    bindText_(select_, 1, "suite", -1, SQLITE_STATIC);
-    bindText_(select_, 2, key.c_str(), static_cast<int>(key.size()), SQLITE_STATIC);
+    sqlite3_bind_text(select_, 1, "suite", -1, SQLITE_STATIC);
+    sqlite3_bind_text(select_, 2, key.c_str(), static_cast<int>(key.size()), SQLITE_STATIC);
     Bytes out;
-    if (step_(select_) == SQLITE_ROW) {
-      const auto* data = static_cast<const std::uint8_t*>(columnBlob_(select_, 0));
-      out.assign(data, data + columnBytes_(select_, 0));
+    if (sqlite3_step(select_) == SQLITE_ROW) {
+      const auto* data = static_cast<const std::uint8_t*>(sqlite3_column_blob(select_, 0));
+      out.assign(data, data + sqlite3_column_bytes(select_, 0));
     }
-    reset_(select_);
+    sqlite3_reset(select_);
     return out;
   }
 
@@ -109,14 +99,6 @@ class RawSqlite {
   sqlite3* db_ = nullptr;
   sqlite3_stmt* upsert_ = nullptr;
   sqlite3_stmt* select_ = nullptr;
-  decltype(sqlite3_bind_text)* bindText_ = symbol<decltype(sqlite3_bind_text)>("sqlite3_bind_text");
-  decltype(sqlite3_bind_blob)* bindBlob_ = symbol<decltype(sqlite3_bind_blob)>("sqlite3_bind_blob");
-  decltype(sqlite3_step)* step_ = symbol<decltype(sqlite3_step)>("sqlite3_step");
-  decltype(sqlite3_reset)* reset_ = symbol<decltype(sqlite3_reset)>("sqlite3_reset");
-  decltype(sqlite3_column_blob)* columnBlob_ =
-      symbol<decltype(sqlite3_column_blob)>("sqlite3_column_blob");
-  decltype(sqlite3_column_bytes)* columnBytes_ =
-      symbol<decltype(sqlite3_column_bytes)>("sqlite3_column_bytes");
 };
 
 RawSqlite& rawSqlite() {
@@ -128,18 +110,17 @@ RawSqlite& rawSqlite() {
 class RawAes {
  public:
   RawAes() : key_(32, 7), iv_(16, 9) {
-    cipher_ =
-        symbol<decltype(EVP_CIPHER_fetch)>("EVP_CIPHER_fetch")(nullptr, "AES-256-CBC", nullptr);
-    context_ = symbol<decltype(EVP_CIPHER_CTX_new)>("EVP_CIPHER_CTX_new")();
+    cipher_ = EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr);
+    context_ = EVP_CIPHER_CTX_new();
   }
 
   Bytes encrypt(const Bytes& plain) {
     Bytes out(plain.size() + 16);
     int n = 0;
     int tail = 0;
-    init_(context_, cipher_, nullptr, key_.data(), iv_.data());
-    update_(context_, out.data(), &n, plain.data(), static_cast<int>(plain.size()));
-    final_(context_, out.data() + n, &tail);
+    EVP_EncryptInit_ex(context_, cipher_, nullptr, key_.data(), iv_.data());
+    EVP_EncryptUpdate(context_, out.data(), &n, plain.data(), static_cast<int>(plain.size()));
+    EVP_EncryptFinal_ex(context_, out.data() + n, &tail);
     out.resize(static_cast<std::size_t>(n + tail));
     return out;
   }
@@ -149,10 +130,6 @@ class RawAes {
   Bytes iv_;
   EVP_CIPHER* cipher_ = nullptr;
   EVP_CIPHER_CTX* context_ = nullptr;
-  decltype(EVP_EncryptInit_ex)* init_ = symbol<decltype(EVP_EncryptInit_ex)>("EVP_EncryptInit_ex");
-  decltype(EVP_EncryptUpdate)* update_ = symbol<decltype(EVP_EncryptUpdate)>("EVP_EncryptUpdate");
-  decltype(EVP_EncryptFinal_ex)* final_ =
-      symbol<decltype(EVP_EncryptFinal_ex)>("EVP_EncryptFinal_ex");
 };
 
 void BM_SecurePrefsSetString(benchmark::State& state) {
