@@ -103,6 +103,7 @@ void drain(const std::shared_ptr<QueueState>& state) {
       break;
     }
   }
+  WorkerPool::shared().taskEnding();
   releaseLocked(state);
 }
 

@@ -6,6 +6,9 @@
 #include <utility>
 
 namespace vorn::detail {
+namespace {
+thread_local bool tlTaskEnding = false;
+}
 
 WorkerPool& WorkerPool::shared() {
   // Leaked on purpose: detached workers may still be inside it while the process exits.
@@ -20,7 +23,9 @@ void WorkerPool::submit(std::function<void()> task) {
   std::lock_guard lock(mutex_);
   ready_.push_back(std::move(task));
   waiting_.store(ready_.size(), std::memory_order_relaxed);
-  if (!sleepers_.empty()) {
+  if (ready_.size() <= ending_.load()) {
+    // A worker finishing its task is on its way back and will take this one.
+  } else if (!sleepers_.empty()) {
     Sleeper* sleeper = sleepers_.back();
     sleepers_.pop_back();
     sleeper->woken = true;
@@ -30,6 +35,13 @@ void WorkerPool::submit(std::function<void()> task) {
   } else if (monitorParked_) {
     monitorParked_ = false;
     monitorWake_.notify_one();
+  }
+}
+
+void WorkerPool::taskEnding() noexcept {
+  if (!tlTaskEnding) {
+    tlTaskEnding = true;
+    ending_.fetch_add(1);
   }
 }
 
@@ -77,8 +89,11 @@ void WorkerPool::workerLoop(bool extra) {
     ++taken_;
     lock.unlock();
     task();
+    taskEnding();
     task = nullptr;  // destroy captures outside the lock
     lock.lock();
+    ending_.fetch_sub(1);
+    tlTaskEnding = false;
   }
 }
 

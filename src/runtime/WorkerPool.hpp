@@ -35,6 +35,12 @@ class WorkerPool {
 
   /// True when tasks are queued that no worker has taken yet; a worker draining a serial
   /// queue uses it to decide whether to yield or keep going.
+  /// Called by a task that is about to return, so that work submitted from now on waits
+  /// for this worker instead of waking another one. A producer that posts again as soon as
+  /// its previous item ran would otherwise always wake a second thread and pay a full
+  /// sleep/wake cycle per item. Safe to call more than once per task.
+  void taskEnding() noexcept;
+
   bool hasWaitingTasks() const noexcept { return waiting_.load(std::memory_order_relaxed) > 0; }
 
  private:
@@ -60,9 +66,12 @@ class WorkerPool {
   // single hot thread serving a queue that is fed one item at a time, which lets the kernel
   // keep it next to the producer, and leaves the coldest threads to retire.
   std::vector<Sleeper*> sleepers_;
-  std::uint64_t taken_ = 0;              // guarded by mutex_; tasks handed to workers
-  bool monitorStarted_ = false;          // guarded by mutex_
-  bool monitorParked_ = false;           // guarded by mutex_
+  std::uint64_t taken_ = 0;      // guarded by mutex_; tasks handed to workers
+  bool monitorStarted_ = false;  // guarded by mutex_
+  bool monitorParked_ = false;   // guarded by mutex_
+  // Workers past the end of their task that have not yet retaken mutex_; each is certain to
+  // look at ready_ before it sleeps. Incremented without the lock, decremented under it.
+  std::atomic<std::size_t> ending_{0};
   std::atomic<std::size_t> waiting_{0};  // mirrors ready_.size() for lock-free peeks
 };
 
