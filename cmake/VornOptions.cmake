@@ -1,6 +1,9 @@
 # Compiler warnings and sanitizer flags shared by every target of the project.
 add_library(vorn_warnings INTERFACE)
-target_compile_options(vorn_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+target_compile_options(vorn_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+                                           # C++20 designated initializers leave members to
+                                           # their defaults on purpose.
+                                           -Wno-missing-field-initializers)
 if(VORN_WERROR)
   target_compile_options(vorn_warnings INTERFACE -Werror)
 endif()

@@ -110,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(Backends, DefaultsStoreTest,
                                                    [](const std::filesystem::path& dir) {
                                                      return DefaultsStore::openFile(dir);
                                                    }}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& backend) { return std::string(backend.param.name); });
 
 TEST(SqliteDefaultsStoreTest, ReopenedFileKeepsValues) {
   test::TemporaryDirectory dir;

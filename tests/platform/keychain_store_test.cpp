@@ -204,7 +204,7 @@ INSTANTIATE_TEST_SUITE_P(Backends, KeychainStoreTest,
                                                    [](const std::filesystem::path& dir) {
                                                      return KeychainStore::openFile(dir);
                                                    }}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& backend) { return std::string(backend.param.name); });
 
 TEST(SqliteKeychainStoreTest, ReopenedFileKeepsItemsAndKeys) {
   test::TemporaryDirectory dir;

@@ -27,7 +27,7 @@ class FakePendingOperations : public ModuleQueue {
 /// Its body sleeps for `delay` whole seconds (compressed by ScopedTimeScale).
 class FakeDelayedOperation : public Operation {
  public:
-  explicit FakeDelayedOperation(int delay) : delay(delay) {}
+  explicit FakeDelayedOperation(int seconds) : delay(seconds) {}
   void main() override;
 
   const int delay;
