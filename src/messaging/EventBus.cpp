@@ -108,7 +108,10 @@ void EventBus::publish(MessageProducer producer, std::shared_ptr<const Event> ev
                  "Message `" + event->name() + "` received on the event bus.");
   const std::shared_ptr<const Message> message = Message::makeFrom(producer, event);
 
-  for (const auto& [module, subscription] : *readSubscriptions()) {
+  // Keep the snapshot alive for the whole loop: a range over *readSubscriptions() would
+  // destroy it before the first iteration.
+  const auto subscriptions = readSubscriptions();
+  for (const auto& [module, subscription] : *subscriptions) {
     VORN_LOG_DEBUG(LoggerCategory::eventBus, "Message `" + event->name() + "` send to `" +
                                                  subscriberName(*subscription) + "`");
     subscription->send(message);
