@@ -50,7 +50,11 @@ TEST(MessageTest, CategoryFollowsTheEvent) {
 }
 
 TEST(MessageTest, CommercePayloadTravelsOnlyInTheEvent) {
-  const auto event = std::make_shared<PurchaseOrderEvent>(Order{.id = "O-1"});
+  const auto event = std::make_shared<PurchaseOrderEvent>(Order{.id = "O-1",
+                                                                .lineItems = {},
+                                                                .totalValue = std::nullopt,
+                                                                .currency = std::nullopt,
+                                                                .attributes = {}});
   const auto message = Message::makeFrom(MessageProducer::sdk, event);
   EXPECT_EQ(message->name(), "Purchase");
   EXPECT_EQ(message->category(), "engagement");
