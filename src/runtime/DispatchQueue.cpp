@@ -117,11 +117,17 @@ void enqueue(const std::shared_ptr<QueueState>& state, std::function<void()> wor
     });
     return;
   }
-  std::lock_guard lock(state->mutex);
-  state->items.push_back(QueueItem{std::move(work), nullptr});
-  if (!state->held && !state->scheduled) {
-    submitDrainLocked(state);
+  {
+    std::lock_guard lock(state->mutex);
+    state->items.push_back(QueueItem{std::move(work), nullptr});
+    if (state->held || state->scheduled) {
+      return;
+    }
+    state->scheduled = true;
   }
+  // Submitted after unlocking: the worker that picks the drain up locks the queue first
+  // thing and should not find the producer still holding it.
+  WorkerPool::shared().submit([state] { drain(state); });
 }
 
 }  // namespace detail

@@ -8,7 +8,7 @@
 namespace vorn::detail {
 namespace {
 thread_local bool tlTaskEnding = false;
-}
+}  // namespace
 
 WorkerPool& WorkerPool::shared() {
   // Leaked on purpose: detached workers may still be inside it while the process exits.
@@ -23,8 +23,8 @@ void WorkerPool::submit(std::function<void()> task) {
   std::lock_guard lock(mutex_);
   ready_.push_back(std::move(task));
   waiting_.store(ready_.size(), std::memory_order_relaxed);
-  if (ready_.size() <= ending_.load()) {
-    // A worker finishing its task is on its way back and will take this one.
+  if (ready_.size() <= ending_.load() + spinning_) {
+    // A worker finishing its task or watching for the next one will take this one.
   } else if (!sleepers_.empty()) {
     Sleeper* sleeper = sleepers_.back();
     sleepers_.pop_back();
@@ -67,7 +67,7 @@ void WorkerPool::spawnWorkerLocked() {
 void WorkerPool::workerLoop(bool extra) {
   std::unique_lock lock(mutex_);
   for (;;) {
-    while (ready_.empty()) {
+    while (ready_.empty() && !spinForTaskLocked(lock)) {
       Sleeper sleeper;
       sleepers_.push_back(&sleeper);
       if (extra) {
@@ -95,6 +95,26 @@ void WorkerPool::workerLoop(bool extra) {
     ending_.fetch_sub(1);
     tlTaskEnding = false;
   }
+}
+
+// Returns true when a task arrived within the spin window. Only one worker spins at a time:
+// on a small machine a second spinner would steal the core the producer needs.
+bool WorkerPool::spinForTaskLocked(std::unique_lock<std::mutex>& lock) {
+  if (spinning_ > 0) {
+    return false;
+  }
+  ++spinning_;
+  lock.unlock();
+  const auto deadline = std::chrono::steady_clock::now() + kSpinBeforeParking;
+  while (waiting_.load(std::memory_order_relaxed) == 0 &&
+         std::chrono::steady_clock::now() < deadline) {
+    // Yield rather than pause: the producer this worker just woke is often placed on this
+    // very core, and a tight spin would only delay the post it is waiting for.
+    std::this_thread::yield();
+  }
+  lock.lock();
+  --spinning_;
+  return !ready_.empty();
 }
 
 void WorkerPool::monitorLoop() {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -171,6 +172,37 @@ TEST(DispatchQueueTest, PoolGrowsPastBlockedWorkers) {
   EXPECT_TRUE(ran.wait());
   release.countDown();
   EXPECT_TRUE(releasedAll.wait());
+}
+
+// Post, wait for it to run, post again: the rhythm in which an idle worker either catches
+// the next item while it is still watching for work or has parked and must be woken. Every
+// round has to finish; a wake-up lost between the two would leave an item stranded.
+TEST(DispatchQueueTest, PostAndWaitRoundTripsNeverStrandWork) {
+  constexpr int kProducers = 3;
+  constexpr int kRounds = 400;
+  std::atomic<int> stranded{0};
+  std::vector<std::thread> producers;
+  for (int p = 0; p < kProducers; ++p) {
+    producers.emplace_back([&, p] {
+      DispatchQueue queue("test.round-trip." + std::to_string(p));
+      for (int round = 0; round < kRounds; ++round) {
+        test::Latch ran;
+        queue.async([&] { ran.countDown(); });
+        if (!ran.wait()) {
+          stranded.fetch_add(1);
+          return;
+        }
+        // Every few rounds, pause long enough for the worker to give up watching and park.
+        if (round % 4 == p % 4) {
+          std::this_thread::sleep_for(200us);
+        }
+      }
+    });
+  }
+  for (std::thread& producer : producers) {
+    producer.join();
+  }
+  EXPECT_EQ(stranded.load(), 0);
 }
 
 TEST(DispatchQueueTest, PendingWorkOutlivesTheQueue) {
