@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "BusTestSupport.hpp"
+#include "vorn/core/VORNSdk.hpp"
 #include "vorn/events/SystemEvent.hpp"
 #include "vorn/messaging/EventBus.hpp"
 #include "vorn/testing/CaptureLogSink.hpp"
@@ -16,6 +17,7 @@
 namespace vorn {
 namespace {
 
+using bustest::IdRecordingSubscriber;
 using bustest::RecordingSubscriber;
 using testing::CaptureLogSink;
 using testing::waitUntil;
@@ -29,12 +31,16 @@ std::string droppedLine(ModuleName module) {
          " queue. Buffer is full. Dropping the message.";
 }
 
+std::string sentLine(std::string_view event, ModuleName module) {
+  return "Message `" + std::string(event) + "` send to `" + std::string(rawValue(module)) + "`";
+}
+
 template <class Body>
-void runPublishers(Body body) {
+void runPublishers(Body body, int perPublisher = kPerPublisher) {
   std::vector<std::thread> threads;
   for (int t = 0; t < kPublishers; ++t)
-    threads.emplace_back([&body] {
-      for (int i = 0; i < kPerPublisher; ++i)
+    threads.emplace_back([&body, perPublisher] {
+      for (int i = 0; i < perPublisher; ++i)
         body();
     });
   for (auto& thread : threads)
@@ -107,6 +113,69 @@ TEST(EventBusStressTest, SubscriptionChurnNeitherLosesNorDuplicatesDeliveries) {
     pushIds.insert(pushIds.end(), ids.begin(), ids.end());
   }
   EXPECT_EQ(uniqueCount(pushIds), pushIds.size());
+}
+
+// Volume run: enough publishes that the delivery queues overflow again and again while push's
+// subscription is replaced underneath. Each send must end in exactly one delivery or one drop
+// line, which the log lets us count per module.
+TEST(EventBusStressTest, EverySendIsDeliveredOnceOrDroppedUnderVolumeAndResubscription) {
+  constexpr int kVolumePerPublisher = 20'000;
+  constexpr std::size_t kVolumeTotal = kPublishers * kVolumePerPublisher;
+  auto sink = CaptureLogSink::install();
+  // The bus writes every line it has under these two; other subsystems stay out of memory.
+  VORNSdk::setLogger(LogLevel::debug, sink, {LoggerCategory::sdk, LoggerCategory::eventBus});
+  bustest::Statuses statuses;
+  statuses.set(ModuleName::cdp, ModuleStatus::operational);
+  statuses.set(ModuleName::push, ModuleStatus::operational);
+  auto cdp = std::make_shared<IdRecordingSubscriber>(ModuleName::cdp);
+  auto push = std::make_shared<IdRecordingSubscriber>(ModuleName::push);
+  EventBus::subscribe(cdp);
+  EventBus::subscribe(push);
+  std::vector<std::shared_ptr<Subscription>> subscriptions{
+      EventBus::subscriptions().at(ModuleName::cdp),
+      EventBus::subscriptions().at(ModuleName::push)};
+
+  // Only this thread writes the table, so reading it back yields the subscription just made.
+  std::atomic<bool> publishing{true};
+  std::thread churn([&] {
+    do {
+      EventBus::unsubscribe(push);
+      std::this_thread::yield();
+      EventBus::subscribe(push);
+      subscriptions.push_back(EventBus::subscriptions().at(ModuleName::push));
+      std::this_thread::yield();
+    } while (publishing.load());
+  });
+  runPublishers([] { EventBus::publish(MessageProducer::sdk, std::make_shared<SystemEvent>("v")); },
+                kVolumePerPublisher);
+  publishing = false;
+  churn.join();
+
+  // Deliveries already queued still run after unsubscribe, so wait for every queue ever used.
+  ASSERT_TRUE(waitUntil(
+      [&] {
+        for (const auto& subscription : subscriptions) {
+          if (subscription->queue().operationCount() != 0)
+            return false;
+        }
+        return true;
+      },
+      std::chrono::seconds(60)));
+
+  const auto cdpIds = cdp->receivedIds();
+  const std::size_t cdpDropped = sink->count(droppedLine(ModuleName::cdp));
+  EXPECT_EQ(sink->count(sentLine("v", ModuleName::cdp)), kVolumeTotal);
+  EXPECT_EQ(cdpIds.size() + cdpDropped, kVolumeTotal)
+      << cdpIds.size() << " delivered, " << cdpDropped << " dropped";
+  EXPECT_EQ(uniqueCount(cdpIds), cdpIds.size());
+
+  const auto pushIds = push->receivedIds();
+  const std::size_t pushDropped = sink->count(droppedLine(ModuleName::push));
+  const std::size_t pushSent = sink->count(sentLine("v", ModuleName::push));
+  EXPECT_EQ(pushIds.size() + pushDropped, pushSent)
+      << pushIds.size() << " delivered, " << pushDropped << " dropped, " << pushSent << " sent";
+  EXPECT_EQ(uniqueCount(pushIds), pushIds.size());
+  EXPECT_EQ(sink->count("Message `v` received on the event bus."), kVolumeTotal);
 }
 
 TEST(EventBusStressTest, ConcurrentBufferingStaysWithinTheBound) {
