@@ -22,12 +22,16 @@ void* operator new(std::size_t size) {
     return p;
   throw std::bad_alloc();
 }
+// GCC cannot see that these replace the global operators as a pair and warns on free().
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 void operator delete(void* p) noexcept {
   std::free(p);
 }
 void operator delete(void* p, std::size_t) noexcept {
   std::free(p);
 }
+#pragma GCC diagnostic pop
 
 namespace {
 
