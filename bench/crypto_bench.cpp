@@ -4,8 +4,8 @@
 #include <benchmark/benchmark.h>
 #include <openssl/evp.h>
 
-#include "vorn/storage/Gzip.hpp"
-#include "vorn/storage/VORNSDKCryptoUtils.hpp"
+#include "vorn/storage/crypto/Gzip.hpp"
+#include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
 namespace {
 

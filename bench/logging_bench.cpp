@@ -8,8 +8,8 @@
 #include <new>
 #include <string>
 
-#include "vorn/core/VORNSdk.hpp"
 #include "vorn/logging/Log.hpp"
+#include "vorn/sdk/VORNSdk.hpp"
 
 // Counts heap allocations so each benchmark can report how many one log line makes.
 namespace {

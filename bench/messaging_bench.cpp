@@ -12,14 +12,14 @@
 #include <mutex>
 #include <thread>
 
-#include "vorn/core/Timestamp.hpp"
-#include "vorn/core/Uuid.hpp"
-#include "vorn/core/VORNSdk.hpp"
+#include "vorn/base/Timestamp.hpp"
+#include "vorn/base/Uuid.hpp"
 #include "vorn/events/CustomEvent.hpp"
 #include "vorn/events/SystemEvent.hpp"
 #include "vorn/messaging/EventBus.hpp"
 #include "vorn/runtime/BlockOperation.hpp"
 #include "vorn/runtime/OperationQueue.hpp"
+#include "vorn/sdk/VORNSdk.hpp"
 
 namespace vorn {
 namespace {

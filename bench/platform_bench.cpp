@@ -2,23 +2,19 @@
 // item round trips on the key store, each next to the in-memory backend as the floor of the
 // store's own bookkeeping. Run: build/platform/bench/vorn_platform_bench
 #include <benchmark/benchmark.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <string>
 
 #include "vorn/platform/DefaultsStore.hpp"
 #include "vorn/platform/KeychainStore.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace {
 
-std::filesystem::path freshDirectory() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "vorn-bench-XXXXXX").string();
-  return ::mkdtemp(pattern.data());
-}
-
 void BM_DefaultsSetString(benchmark::State& state) {
-  const auto dir = freshDirectory();
+  const vorn::testing::TemporaryDirectory temporary;
+  const auto& dir = temporary.path();
   auto suite = vorn::DefaultsStore::openFile(dir)->suite("bench");
   std::int64_t i = 0;
   for (auto _ : state)
@@ -28,7 +24,8 @@ void BM_DefaultsSetString(benchmark::State& state) {
 BENCHMARK(BM_DefaultsSetString);
 
 void BM_DefaultsStringFor(benchmark::State& state) {
-  const auto dir = freshDirectory();
+  const vorn::testing::TemporaryDirectory temporary;
+  const auto& dir = temporary.path();
   auto suite = vorn::DefaultsStore::openFile(dir)->suite("bench");
   suite.setString("value", "key");
   for (auto _ : state)
@@ -46,7 +43,8 @@ void BM_MemoryDefaultsSetString(benchmark::State& state) {
 BENCHMARK(BM_MemoryDefaultsSetString);
 
 void BM_KeychainUpdateItem(benchmark::State& state) {
-  const auto dir = freshDirectory();
+  const vorn::testing::TemporaryDirectory temporary;
+  const auto& dir = temporary.path();
   auto store = vorn::KeychainStore::openFile(dir);
   store->add(vorn::KeychainItem{"svc", std::nullopt, std::nullopt, vorn::KeychainData{0}, {}});
   vorn::KeychainQuery query;
@@ -62,7 +60,8 @@ void BM_KeychainUpdateItem(benchmark::State& state) {
 BENCHMARK(BM_KeychainUpdateItem);
 
 void BM_KeychainCopyMatching(benchmark::State& state) {
-  const auto dir = freshDirectory();
+  const vorn::testing::TemporaryDirectory temporary;
+  const auto& dir = temporary.path();
   auto store = vorn::KeychainStore::openFile(dir);
   store->add(vorn::KeychainItem{"svc", std::nullopt, std::nullopt, vorn::KeychainData(32), {}});
   vorn::KeychainQuery query;

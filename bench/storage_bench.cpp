@@ -7,7 +7,6 @@
 #include <benchmark/benchmark.h>
 #include <openssl/evp.h>
 #include <sqlite3.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <memory>
@@ -15,11 +14,12 @@
 #include <vector>
 
 #include "vorn/platform/Platform.hpp"
-#include "vorn/storage/Base64.hpp"
-#include "vorn/storage/EncryptionManager.hpp"
-#include "vorn/storage/SecurePrefs.hpp"
-#include "vorn/storage/UnicodeEncoding.hpp"
-#include "vorn/storage/VORNEncryptionKey.hpp"
+#include "vorn/storage/crypto/Base64.hpp"
+#include "vorn/storage/crypto/UnicodeEncoding.hpp"
+#include "vorn/storage/crypto/VORNEncryptionKey.hpp"
+#include "vorn/storage/prefs/EncryptionManager.hpp"
+#include "vorn/storage/prefs/SecurePrefs.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace {
 
@@ -28,12 +28,9 @@ using vorn::Bytes;
 constexpr int kKeys = 1000;
 const std::string kText20 = "abcdefghij0123456789";
 
-std::filesystem::path benchDirectory() {
-  static const std::filesystem::path dir = [] {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vorn-bench-XXXXXX").string();
-    return std::filesystem::path(mkdtemp(pattern.data()));
-  }();
-  return dir;
+const std::filesystem::path& benchDirectory() {
+  static const auto* dir = new vorn::testing::TemporaryDirectory;
+  return dir->path();
 }
 
 std::shared_ptr<vorn::EncryptionManager> manager() {

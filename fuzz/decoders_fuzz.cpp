@@ -4,9 +4,9 @@
 #include <span>
 #include <string_view>
 
-#include "vorn/storage/Base64.hpp"
-#include "vorn/storage/Gzip.hpp"
-#include "vorn/storage/UnicodeEncoding.hpp"
+#include "vorn/storage/crypto/Base64.hpp"
+#include "vorn/storage/crypto/Gzip.hpp"
+#include "vorn/storage/crypto/UnicodeEncoding.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span<const std::uint8_t> bytes(data, size);

@@ -10,13 +10,13 @@
 #include <thread>
 
 #include "vorn/core/ModuleQueues.hpp"
-#include "vorn/core/VORNSdk.hpp"
 #include "vorn/logging/ModuleLogger.hpp"
 #include "vorn/messaging/BaseOperation.hpp"
 #include "vorn/runtime/Atomic.hpp"
 #include "vorn/runtime/BlockOperation.hpp"
 #include "vorn/runtime/DispatchGroup.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
+#include "vorn/sdk/VORNSdk.hpp"
 
 namespace {
 

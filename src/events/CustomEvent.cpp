@@ -1,6 +1,6 @@
 #include "vorn/events/CustomEvent.hpp"
 
-#include "core/Text.hpp"
+#include "base/Text.hpp"
 #include "vorn/logging/Log.hpp"
 
 namespace vorn {

@@ -1,6 +1,6 @@
 #include "vorn/events/Event.hpp"
 
-#include "vorn/core/Uuid.hpp"
+#include "vorn/base/Uuid.hpp"
 
 namespace vorn {
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/RawValues.hpp"
+#include "base/RawValues.hpp"
 #include "vorn/logging/Log.hpp"
 
 namespace vorn {

@@ -1,6 +1,6 @@
 #include "vorn/events/SystemEvent.hpp"
 
-#include "core/Text.hpp"
+#include "base/Text.hpp"
 
 namespace vorn {
 

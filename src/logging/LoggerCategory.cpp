@@ -3,8 +3,8 @@
 #include <array>
 #include <string>
 
-#include "core/RawValues.hpp"
-#include "core/Text.hpp"
+#include "base/RawValues.hpp"
+#include "base/Text.hpp"
 #include "vorn/logging/Log.hpp"
 
 namespace vorn {

@@ -1,6 +1,6 @@
 #include "vorn/messaging/Message.hpp"
 
-#include "vorn/core/Timestamp.hpp"
+#include "vorn/base/Timestamp.hpp"
 
 namespace vorn {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/RawValues.hpp"
+#include "base/RawValues.hpp"
 
 namespace vorn {
 namespace {

@@ -8,9 +8,9 @@
 #include <thread>
 
 #include "BusTestSupport.hpp"
-#include "vorn/core/VORNSdk.hpp"
 #include "vorn/events/SystemEvent.hpp"
 #include "vorn/messaging/EventBus.hpp"
+#include "vorn/sdk/VORNSdk.hpp"
 #include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/Wait.hpp"
 

@@ -1,7 +1,7 @@
-// Links the installed library and its test support, logs one line and checks it arrived.
-#include <vorn/core/VORNSdk.hpp>
-#include <vorn/logging/Log.hpp>
-#include <vorn/testing/CaptureLogSink.hpp>
+// Links the installed library and its test support through their umbrella headers, logs one
+// line and checks it arrived.
+#include <vorn/testing/testing.hpp>
+#include <vorn/vorn.hpp>
 
 int main() {
   auto sink = vorn::testing::CaptureLogSink::install();

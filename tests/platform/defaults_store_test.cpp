@@ -4,8 +4,8 @@
 
 #include <functional>
 
-#include "PlatformTestDir.hpp"
 #include "vorn/platform/DefaultsStore.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace vorn {
 namespace {
@@ -26,7 +26,7 @@ class DefaultsStoreTest : public ::testing::TestWithParam<Backend> {
     ASSERT_NE(store_, nullptr);
   }
 
-  test::TemporaryDirectory dir_;
+  testing::TemporaryDirectory dir_;
   std::shared_ptr<DefaultsStore> store_;
 };
 
@@ -113,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(Backends, DefaultsStoreTest,
                          [](const auto& backend) { return std::string(backend.param.name); });
 
 TEST(SqliteDefaultsStoreTest, ReopenedFileKeepsValues) {
-  test::TemporaryDirectory dir;
+  testing::TemporaryDirectory dir;
   DefaultsStore::openFile(dir.path())->suite("s").setInteger(5, "k");
   EXPECT_EQ(DefaultsStore::openFile(dir.path())->suite("s").integerFor("k"), 5);
 }

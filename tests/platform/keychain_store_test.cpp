@@ -4,8 +4,8 @@
 #include <fstream>
 #include <functional>
 
-#include "PlatformTestDir.hpp"
 #include "vorn/platform/KeychainStore.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace vorn {
 namespace {
@@ -51,7 +51,7 @@ class KeychainStoreTest : public ::testing::TestWithParam<Backend> {
     ASSERT_NE(store_, nullptr);
   }
 
-  test::TemporaryDirectory dir_;
+  testing::TemporaryDirectory dir_;
   std::shared_ptr<KeychainStore> store_;
 };
 
@@ -207,7 +207,7 @@ INSTANTIATE_TEST_SUITE_P(Backends, KeychainStoreTest,
                          [](const auto& backend) { return std::string(backend.param.name); });
 
 TEST(SqliteKeychainStoreTest, ReopenedFileKeepsItemsAndKeys) {
-  test::TemporaryDirectory dir;
+  testing::TemporaryDirectory dir;
   {
     auto store = KeychainStore::openFile(dir.path());
     ASSERT_EQ(store->add(item("svc", "a", "kept")), errSecSuccess);
@@ -225,7 +225,7 @@ TEST(SqliteKeychainStoreTest, ReopenedFileKeepsItemsAndKeys) {
 }
 
 TEST(SqliteKeychainStoreTest, UnusableDirectoryGivesNull) {
-  test::TemporaryDirectory dir;
+  testing::TemporaryDirectory dir;
   const auto blocker = dir.path() / "file";
   ASSERT_TRUE(std::filesystem::create_directory(blocker));
   std::filesystem::remove(blocker);

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "PlatformTestDir.hpp"
 #include "vorn/platform/Platform.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace vorn {
 namespace {
@@ -44,7 +44,7 @@ TEST(PlatformDataDirectoryTest, EnvironmentChoosesTheDirectory) {
 
 TEST(PlatformFileModesTest, DirectoriesArePrivateAndDatabaseFilesOwnerOnly) {
   ScopedUmask permissive(0);
-  test::TemporaryDirectory root;
+  testing::TemporaryDirectory root;
   const auto dataDir = root.path() / "nested" / "vornsdk";
   Platform platform = Platform::defaultPlatform(dataDir);
   ASSERT_EQ(
@@ -62,7 +62,7 @@ TEST(PlatformFileModesTest, DirectoriesArePrivateAndDatabaseFilesOwnerOnly) {
 
 TEST(PlatformFileModesTest, ExistingLooseModesAreTightened) {
   ScopedUmask permissive(0);
-  test::TemporaryDirectory root;
+  testing::TemporaryDirectory root;
   const auto dataDir = root.path() / "data";
   ASSERT_EQ(::mkdir(dataDir.c_str(), 0755), 0);
   { std::ofstream(dataDir / "defaults.db"); }
@@ -74,7 +74,7 @@ TEST(PlatformFileModesTest, ExistingLooseModesAreTightened) {
 }
 
 TEST(PlatformFileModesTest, UnusableDirectoryFallsBackToMemory) {
-  test::TemporaryDirectory root;
+  testing::TemporaryDirectory root;
   const auto blocker = root.path() / "blocker";
   { std::ofstream(blocker) << "x"; }
   Platform platform = Platform::defaultPlatform(blocker / "data");
@@ -86,7 +86,7 @@ TEST(PlatformFileModesTest, UnusableDirectoryFallsBackToMemory) {
 }
 
 TEST(PlatformCurrentTest, FirstUseOpensTheDefaultDirectory) {
-  test::TemporaryDirectory root;
+  testing::TemporaryDirectory root;
   ::setenv("VORNSDK_DATA_DIR", (root.path() / "lazy").c_str(), 1);
   const auto platform = Platform::current();
   ASSERT_NE(platform->keychain, nullptr);

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "PlatformTestDir.hpp"
 #include "vorn/platform/Platform.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
 
 extern char** environ;
 
@@ -65,7 +65,7 @@ TEST(PlatformPersistenceWriter, WritesThenDies) {
 }
 
 TEST(PlatformPersistenceTest, SecondProcessReadsWhatAKilledWriterWrote) {
-  test::TemporaryDirectory dir;
+  testing::TemporaryDirectory dir;
   const int status = runWriter(dir.path());
   ASSERT_TRUE(WIFSIGNALED(status)) << "writer status " << status;
   ASSERT_EQ(WTERMSIG(status), SIGKILL);

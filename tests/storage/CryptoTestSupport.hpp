@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "vorn/storage/Bytes.hpp"
+#include "vorn/base/Bytes.hpp"
 
 namespace vorn::cryptotest {
 

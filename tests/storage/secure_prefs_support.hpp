@@ -9,7 +9,7 @@
 #include <string>
 
 #include "vorn/platform/DefaultsStore.hpp"
-#include "vorn/storage/EncryptionManager.hpp"
+#include "vorn/storage/prefs/EncryptionManager.hpp"
 
 namespace vorn::test {
 

@@ -15,8 +15,8 @@
 #include <mutex>
 #include <string>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
 #include "vorn/runtime/Operation.hpp"
 #include "vorn/runtime/OperationQueue.hpp"
 

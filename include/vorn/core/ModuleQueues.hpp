@@ -12,8 +12,8 @@
 #include <optional>
 #include <string>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
 #include "vorn/core/ModuleQueue.hpp"
 
 namespace vorn {

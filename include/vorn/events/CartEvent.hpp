@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/events/EngagementEvent.hpp"
 #include "vorn/events/LineItem.hpp"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "vorn/core/Value.hpp"
+#include "vorn/base/Value.hpp"
 
 namespace vorn {
 

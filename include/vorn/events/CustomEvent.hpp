@@ -13,7 +13,7 @@
 #include <optional>
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/events/Event.hpp"
 
 namespace vorn {

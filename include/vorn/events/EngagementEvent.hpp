@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/events/Event.hpp"
 
 namespace vorn {

@@ -12,8 +12,8 @@
 #include <optional>
 #include <string>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/Value.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/Value.hpp"
 #include "vorn/events/EventCategory.hpp"
 
 namespace vorn {

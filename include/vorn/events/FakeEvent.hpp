@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/events/Event.hpp"
 
 namespace vorn {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "vorn/core/Decimal.hpp"
-#include "vorn/core/Value.hpp"
+#include "vorn/base/Decimal.hpp"
+#include "vorn/base/Value.hpp"
 
 namespace vorn {
 

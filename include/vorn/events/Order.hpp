@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "vorn/core/Decimal.hpp"
-#include "vorn/core/Value.hpp"
+#include "vorn/base/Decimal.hpp"
+#include "vorn/base/Value.hpp"
 #include "vorn/events/LineItem.hpp"
 
 namespace vorn {

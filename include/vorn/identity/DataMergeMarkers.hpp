@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/platform/DefaultsStore.hpp"
 
 namespace vorn {

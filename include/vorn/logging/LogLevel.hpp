@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/logging/LogLevel.hpp"
 #include "vorn/logging/LoggerCategory.hpp"
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

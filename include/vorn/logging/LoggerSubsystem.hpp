@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
 
 namespace vorn {
 

@@ -15,8 +15,8 @@
 #include <string_view>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
 #include "vorn/logging/VORNSdkLogger.hpp"
 
 namespace vorn {

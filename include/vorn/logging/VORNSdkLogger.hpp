@@ -22,7 +22,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/logging/LogLevel.hpp"
 #include "vorn/logging/LogOutputter.hpp"
 #include "vorn/logging/LoggerCategory.hpp"

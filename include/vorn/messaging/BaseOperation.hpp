@@ -22,7 +22,7 @@
 #include <mutex>
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/runtime/Operation.hpp"
 
 namespace vorn {

@@ -25,9 +25,9 @@
 #include <memory>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
-#include "vorn/core/ModuleStatus.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
+#include "vorn/base/ModuleStatus.hpp"
 #include "vorn/events/Event.hpp"
 #include "vorn/messaging/Message.hpp"
 #include "vorn/messaging/MessageProducer.hpp"

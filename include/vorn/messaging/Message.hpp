@@ -13,8 +13,8 @@
 #include <optional>
 #include <string>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/Value.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/Value.hpp"
 #include "vorn/events/Event.hpp"
 #include "vorn/events/EventCategory.hpp"
 #include "vorn/messaging/MessageProducer.hpp"

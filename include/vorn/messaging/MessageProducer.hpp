@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

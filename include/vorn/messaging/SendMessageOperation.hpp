@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/messaging/Message.hpp"
 #include "vorn/messaging/Subscriber.hpp"
 #include "vorn/runtime/Operation.hpp"

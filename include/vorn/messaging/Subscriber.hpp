@@ -7,8 +7,8 @@
 
 #include <memory>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
 #include "vorn/messaging/Message.hpp"
 
 namespace vorn {

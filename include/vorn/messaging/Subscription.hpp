@@ -14,8 +14,8 @@
 #include <mutex>
 #include <string>
 
-#include "vorn/core/Export.hpp"
-#include "vorn/core/ModuleName.hpp"
+#include "vorn/base/Export.hpp"
+#include "vorn/base/ModuleName.hpp"
 #include "vorn/messaging/Message.hpp"
 #include "vorn/messaging/Subscriber.hpp"
 #include "vorn/runtime/OperationQueue.hpp"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

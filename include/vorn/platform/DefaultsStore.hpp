@@ -25,7 +25,7 @@
 #include <variant>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

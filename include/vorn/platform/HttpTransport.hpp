@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

@@ -6,6 +6,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 
@@ -21,5 +24,8 @@ inline constexpr OSStatus errSecDuplicateItem = -25299;
 inline constexpr OSStatus errSecItemNotFound = -25300;
 inline constexpr OSStatus errSecInteractionNotAllowed = -25308;
 inline constexpr OSStatus errSecDecode = -26275;
+
+/// The status's constant name ("errSecItemNotFound"), or "Unknown status code (<n>)".
+VORN_API std::string keychainStatusName(OSStatus status);
 
 }  // namespace vorn

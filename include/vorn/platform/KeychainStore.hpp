@@ -24,7 +24,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/platform/KeychainItem.hpp"
 #include "vorn/platform/KeychainKey.hpp"
 #include "vorn/platform/KeychainStatus.hpp"

@@ -22,7 +22,7 @@
 #include <functional>
 #include <memory>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/platform/AppInfo.hpp"
 #include "vorn/platform/Clock.hpp"
 #include "vorn/platform/DefaultsStore.hpp"

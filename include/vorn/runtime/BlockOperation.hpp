@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/runtime/Operation.hpp"
 
 namespace vorn {

@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
 
 namespace vorn {

@@ -25,7 +25,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/runtime/Executor.hpp"
 
 namespace vorn {

@@ -8,7 +8,7 @@
 
 #include <chrono>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn::durations {
 

@@ -11,7 +11,7 @@
 
 #include <functional>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 
 namespace vorn {
 

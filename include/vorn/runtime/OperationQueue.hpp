@@ -25,7 +25,7 @@
 #include <string>
 #include <vector>
 
-#include "vorn/core/Export.hpp"
+#include "vorn/base/Export.hpp"
 #include "vorn/runtime/Operation.hpp"
 
 namespace vorn {

@@ -1,0 +1,16 @@
+# Run with cmake -P: fails when a public header under INCLUDE_DIR is missing from the
+# umbrella header UMBRELLA (paths in it are relative to INCLUDE_DIR).
+file(READ ${UMBRELLA} umbrella)
+get_filename_component(self ${UMBRELLA} NAME)
+file(GLOB_RECURSE headers RELATIVE ${INCLUDE_DIR} ${INCLUDE_DIR}/${SUBDIR}/*.hpp)
+set(missing "")
+foreach(header IN LISTS headers)
+  string(FIND "${umbrella}" "#include \"${header}\"" at)
+  get_filename_component(name ${header} NAME)
+  if(at EQUAL -1 AND NOT name STREQUAL self)
+    list(APPEND missing ${header})
+  endif()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "${UMBRELLA} does not include: ${missing}")
+endif()

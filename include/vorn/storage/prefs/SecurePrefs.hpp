@@ -1,0 +1,77 @@
+// SecurePrefs: a small key-value store of one module in a user-defaults suite, with both
+// the key and the value encrypted by the module's EncryptionManager.
+//
+// An entry with key K and value V is stored under the base64 text of encrypt(K) as the
+// binary value encrypt(V). Encryption is deterministic, so the same key always finds the
+// same entry. Typed values are stored as text: integers in decimal, booleans as "true" or
+// "false", floating-point numbers as their shortest round-trip decimal text.
+//
+// clearAll() deletes the suite and makes the instance inert for good: setters then log and
+// store nothing, getters give no value. A new instance for the same name works again.
+//
+// Every failure is a "storage" debug log line plus no value (or false); nothing is thrown.
+//
+// Ownership: held by std::shared_ptr; shares the module's EncryptionManager and keeps its
+// defaults store alive. Thread safety: every call may come from any thread; the defaults
+// store makes each read and write atomic, and the instance itself takes no lock.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "vorn/base/Export.hpp"
+#include "vorn/platform/DefaultsStore.hpp"
+#include "vorn/storage/prefs/EncryptionManager.hpp"
+
+namespace vorn {
+
+class VORN_API SecurePrefs {
+ public:
+  /// Opens the suite `suiteName` of the current Platform's defaults store.
+  SecurePrefs(std::string suiteName, std::shared_ptr<EncryptionManager> encryptionManager);
+  /// Opens the given suite.
+  SecurePrefs(DefaultsSuite suite, std::shared_ptr<EncryptionManager> encryptionManager);
+
+  SecurePrefs(const SecurePrefs&) = delete;
+  SecurePrefs& operator=(const SecurePrefs&) = delete;
+
+  const std::string& suiteName() const noexcept { return suite_.name(); }
+  const std::shared_ptr<EncryptionManager>& encryptionManager() const noexcept {
+    return encryptionManager_;
+  }
+  /// False once clearAll() has run.
+  bool isLive() const noexcept { return !cleared_.load(std::memory_order_acquire); }
+
+  /// setString(_:for:). True when the entry was written (durably, with the file backend).
+  bool setString(std::string_view value, std::string_view key);
+  bool setInt(std::int64_t value, std::string_view key);
+  bool setBool(bool value, std::string_view key);
+  bool setFloat(float value, std::string_view key);
+  bool setDouble(double value, std::string_view key);
+
+  std::optional<std::string> stringFor(std::string_view key) const;
+  /// A base-10 integer with an optional sign; anything else gives no value.
+  std::optional<std::int64_t> intFor(std::string_view key) const;
+  /// Exactly "true" or "false"; anything else gives no value.
+  std::optional<bool> boolFor(std::string_view key) const;
+  std::optional<float> floatFor(std::string_view key) const;
+  std::optional<double> doubleFor(std::string_view key) const;
+
+  /// Deletes the entry of the key; true when the store no longer holds it.
+  bool remove(std::string_view key);
+  /// Deletes the whole suite and disables this instance.
+  void clearAll();
+
+ private:
+  std::optional<std::string> storedKey(std::string_view key) const;
+
+  const DefaultsSuite suite_;
+  const std::shared_ptr<EncryptionManager> encryptionManager_;
+  std::atomic<bool> cleared_{false};
+};
+
+}  // namespace vorn

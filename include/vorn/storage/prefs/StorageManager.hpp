@@ -1,0 +1,66 @@
+// StorageManager: names a feature module's storage and hands out its SecurePrefs.
+//
+// Storage names are "com.quorvantis.tessarine_" + application id + "_" + registration id +
+// "_" + name. The registration id is this installation's id for the module: on
+// construction it is read from the shared suite
+// "com.quorvantis.tessarine_unified_sdk_registration" under "registrationId", or made (an
+// upper-case random UUID) and stored there. The entry is encrypted with the module's key,
+// so each module keeps its own id in the shared suite.
+//
+// The file-protection setting is SDK-wide and only stored here; writers of files read it.
+//
+// Ownership: held by std::shared_ptr by the module's components; shares the module's
+// EncryptionManager. Thread safety: every call may come from any thread; the registration
+// id lives in an Atomic cell.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "vorn/base/Export.hpp"
+#include "vorn/runtime/Atomic.hpp"
+#include "vorn/storage/prefs/EncryptionManager.hpp"
+#include "vorn/storage/prefs/FileProtectionType.hpp"
+#include "vorn/storage/prefs/SecurePrefs.hpp"
+
+namespace vorn {
+
+class VORN_API StorageManager {
+ public:
+  static constexpr std::string_view kStorageNamePrefix = "com.quorvantis.tessarine_";
+  static constexpr std::string_view kRegistrationSuite =
+      "com.quorvantis.tessarine_unified_sdk_registration";
+  static constexpr std::string_view kRegistrationIdKey = "registrationId";
+
+  /// Reads or creates the registration id in the current Platform's defaults store, which
+  /// this manager and its SecurePrefs keep using.
+  StorageManager(std::shared_ptr<EncryptionManager> encryptionManager, std::string moduleAppId);
+
+  StorageManager(const StorageManager&) = delete;
+  StorageManager& operator=(const StorageManager&) = delete;
+
+  const std::string& moduleAppId() const noexcept { return moduleAppId_; }
+  const std::shared_ptr<EncryptionManager>& encryptionManager() const noexcept {
+    return encryptionManager_;
+  }
+
+  std::string getRegistrationId() const;
+  /// A new SecurePrefs on the suite getFilenameForModuleInstallation(name).
+  std::shared_ptr<SecurePrefs> getOrCreateSecurePrefs(std::string_view name) const;
+  /// The storage name of `fileName` for this application, installation and module.
+  std::string getFilenameForModuleInstallation(std::string_view fileName) const;
+
+  /// SDK-wide; completeUntilFirstUserAuthentication until a host sets it.
+  static void setFileSystemProtectionType(std::optional<FileProtectionType> fileProtectionType);
+  static std::optional<FileProtectionType> fileSystemProtectionType();
+
+ private:
+  const std::string moduleAppId_;
+  const std::shared_ptr<EncryptionManager> encryptionManager_;
+  const std::shared_ptr<DefaultsStore> defaults_;
+  Atomic<std::string> registrationId_;
+};
+
+}  // namespace vorn

@@ -1,0 +1,13 @@
+// Every test-support header of vorn::testing: in-memory and fault-injecting stores, the
+// capture log sink, and the wait, temporary-directory and child-process helpers.
+#pragma once
+
+#include "vorn/testing/CaptureLogSink.hpp"
+#include "vorn/testing/ChildProcess.hpp"
+#include "vorn/testing/FakePendingOperations.hpp"
+#include "vorn/testing/FaultyDefaultsStore.hpp"
+#include "vorn/testing/FaultyKeychainStore.hpp"
+#include "vorn/testing/PlatformInstall.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
+#include "vorn/testing/TimeScale.hpp"
+#include "vorn/testing/Wait.hpp"
