@@ -12,6 +12,8 @@
 #include <memory>
 #include <string>
 
+#include "storage/crypto/Aes.hpp"
+
 #include "vorn/logging/Log.hpp"
 #include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
@@ -115,40 +117,17 @@ std::optional<Bytes> crypt(bool encrypt, ByteView data, const std::optional<Byte
 
 }  // namespace
 
-std::optional<Bytes> VORNSDKCryptoUtils::aesEncryptData(ByteView data, std::optional<ByteView> key,
-                                                        std::size_t keyLength,
-                                                        std::optional<ByteView> iv) {
+namespace aes {
+
+std::optional<Bytes> encrypt(ByteView data, std::optional<ByteView> key, std::size_t keyLength,
+                             std::optional<ByteView> iv) {
   return crypt(true, data, key, keyLength, iv);
 }
 
-std::optional<Bytes> VORNSDKCryptoUtils::aesDecryptData(ByteView data, std::optional<ByteView> key,
-                                                        std::size_t keyLength,
-                                                        std::optional<ByteView> iv) {
+std::optional<Bytes> decrypt(ByteView data, std::optional<ByteView> key, std::size_t keyLength,
+                             std::optional<ByteView> iv) {
   return crypt(false, data, key, keyLength, iv);
 }
 
-std::optional<Bytes> VORNSDKCryptoUtils::aes128EncryptData(ByteView data,
-                                                           std::optional<ByteView> key,
-                                                           std::optional<ByteView> iv) {
-  return crypt(true, data, key, kAES128KeyLength, iv);
-}
-
-std::optional<Bytes> VORNSDKCryptoUtils::aes128DecryptData(ByteView data,
-                                                           std::optional<ByteView> key,
-                                                           std::optional<ByteView> iv) {
-  return crypt(false, data, key, kAES128KeyLength, iv);
-}
-
-std::optional<Bytes> VORNSDKCryptoUtils::aes256EncryptData(ByteView data,
-                                                           std::optional<ByteView> key,
-                                                           std::optional<ByteView> iv) {
-  return crypt(true, data, key, kAES256KeyLength, iv);
-}
-
-std::optional<Bytes> VORNSDKCryptoUtils::aes256DecryptData(ByteView data,
-                                                           std::optional<ByteView> key,
-                                                           std::optional<ByteView> iv) {
-  return crypt(false, data, key, kAES256KeyLength, iv);
-}
-
+}  // namespace aes
 }  // namespace vorn

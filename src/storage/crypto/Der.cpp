@@ -1,6 +1,8 @@
-#include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
+#include "storage/crypto/Der.hpp"
 
-namespace vorn {
+#include <iterator>
+
+namespace vorn::der {
 namespace {
 
 // AlgorithmIdentifier { rsaEncryption, NULL }.
@@ -9,12 +11,12 @@ constexpr std::uint8_t kRsaAlgorithmIdentifier[] = {0x30, 0x0d, 0x06, 0x09, 0x2a
 
 std::size_t encodedLengthSize(std::size_t length) {
   Bytes scratch;
-  return VORNSDKCryptoUtils::encodeLength(scratch, length);
+  return encodeLength(scratch, length);
 }
 
 }  // namespace
 
-std::size_t VORNSDKCryptoUtils::encodeLength(Bytes& out, std::size_t length) {
+std::size_t encodeLength(Bytes& out, std::size_t length) {
   if (length < 128) {
     out.push_back(static_cast<std::uint8_t>(length));
     return 1;
@@ -28,7 +30,7 @@ std::size_t VORNSDKCryptoUtils::encodeLength(Bytes& out, std::size_t length) {
   return count + 1;
 }
 
-Bytes VORNSDKCryptoUtils::getRSAPublicKeyAsDER(ByteView rawPublicKey) {
+Bytes rsaPublicKeyInfo(ByteView rawPublicKey) {
   const std::size_t bitStringLength = rawPublicKey.size() + 1;
   const std::size_t bodyLength =
       sizeof(kRsaAlgorithmIdentifier) + 1 + encodedLengthSize(bitStringLength) + bitStringLength;
@@ -44,4 +46,4 @@ Bytes VORNSDKCryptoUtils::getRSAPublicKeyAsDER(ByteView rawPublicKey) {
   return out;
 }
 
-}  // namespace vorn
+}  // namespace vorn::der

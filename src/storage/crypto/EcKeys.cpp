@@ -1,17 +1,17 @@
-// EC P-256 key pairs in the keychain.
+#include "storage/crypto/EcKeys.hpp"
 
 #include "storage/crypto/KeyMaterial.hpp"
 #include "storage/crypto/KeyTags.hpp"
 #include "vorn/logging/Log.hpp"
 #include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
-namespace vorn {
+namespace vorn::ec {
 namespace {
 
 constexpr std::size_t kECKeyBits = 256;
 
-void deleteLogged(const std::string& tag) {
-  const OSStatus status = deleteKeyHalf(tag);
+void deleteLogged(KeychainStore& store, const std::string& tag) {
+  const OSStatus status = deleteKeyHalf(store, tag);
   if (status != errSecSuccess && status != errSecItemNotFound) {
     VORN_LOG_ERROR(LoggerCategory::encryption, "Error deleting EC key with tag " + tag +
                                                    ". Error code: " + std::to_string(status));
@@ -20,17 +20,14 @@ void deleteLogged(const std::string& tag) {
 
 }  // namespace
 
-void VORNSDKCryptoUtils::createECKeyPairWithName(std::string_view name,
-                                                 std::string_view accessibleAttribute,
-                                                 bool /*useSecureEnclave*/) {
-  // The enclave is never available in this build, so the request is moot.
+void createPair(KeychainStore& store, std::string_view name, std::string_view accessibleAttribute) {
   PKey pair = generateEcKey();
   Bytes privateBytes = pair ? ecExternal(pair.get(), true) : Bytes{};
   const OSStatus privateStatus =
       privateBytes.empty() ? errSecParam
-                           : storeKeyHalf(keyTag(kECPrivateKeyTagPrefix, name), KeychainKeyType::ec,
-                                          KeychainKeyClass::privateKey, kECKeyBits,
-                                          accessibleAttribute, std::move(privateBytes));
+                           : storeKeyHalf(store, keyTag(kECPrivateKeyTagPrefix, name),
+                                          KeychainKeyType::ec, KeychainKeyClass::privateKey,
+                                          kECKeyBits, accessibleAttribute, std::move(privateBytes));
   if (privateStatus != errSecSuccess) {
     VORN_LOG_ERROR(LoggerCategory::encryption,
                    "Error creating EC private Key with name " + std::string(name) +
@@ -39,7 +36,7 @@ void VORNSDKCryptoUtils::createECKeyPairWithName(std::string_view name,
   }
   Bytes publicBytes = ecExternal(pair.get(), false);
   if (publicBytes.empty() ||
-      storeKeyHalf(keyTag(kECPublicKeyTagPrefix, name), KeychainKeyType::ec,
+      storeKeyHalf(store, keyTag(kECPublicKeyTagPrefix, name), KeychainKeyType::ec,
                    KeychainKeyClass::publicKey, kECKeyBits, accessibleAttribute,
                    std::move(publicBytes)) != errSecSuccess) {
     VORN_LOG_ERROR(LoggerCategory::encryption,
@@ -47,14 +44,14 @@ void VORNSDKCryptoUtils::createECKeyPairWithName(std::string_view name,
   }
 }
 
-void VORNSDKCryptoUtils::deleteECKeyPairWithName(std::string_view name) {
-  deleteLogged(keyTag(kECPrivateKeyTagPrefix, name));
-  deleteLogged(keyTag(kECPublicKeyTagPrefix, name));
+void deletePair(KeychainStore& store, std::string_view name) {
+  deleteLogged(store, keyTag(kECPrivateKeyTagPrefix, name));
+  deleteLogged(store, keyTag(kECPublicKeyTagPrefix, name));
 }
 
-KeyRef VORNSDKCryptoUtils::getECKeyRefWithTag(std::string_view tag) {
+KeyRef keyRefWithTag(KeychainStore& store, std::string_view tag) {
   KeychainKey key;
-  OSStatus status = loadKeyHalf(tag, KeychainKeyType::ec, 0, key);
+  OSStatus status = loadKeyHalf(store, tag, KeychainKeyType::ec, 0, key);
   KeyRef ref;
   if (status == errSecSuccess) {
     ref = ecKeyFromExternal(key.keyData, key.keyClass == KeychainKeyClass::privateKey);
@@ -68,16 +65,4 @@ KeyRef VORNSDKCryptoUtils::getECKeyRefWithTag(std::string_view tag) {
   return ref;
 }
 
-KeyRef VORNSDKCryptoUtils::getECPublicKeyRefWithName(std::string_view name) {
-  return getECKeyRefWithTag(keyTag(kECPublicKeyTagPrefix, name));
-}
-
-KeyRef VORNSDKCryptoUtils::getECPrivateKeyRefWithName(std::string_view name) {
-  return getECKeyRefWithTag(keyTag(kECPrivateKeyTagPrefix, name));
-}
-
-void VORNSDKCryptoUtils::deleteKeyByTag(std::string_view tag) {
-  deleteKeyHalf(tag);
-}
-
-}  // namespace vorn
+}  // namespace vorn::ec

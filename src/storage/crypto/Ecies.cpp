@@ -5,6 +5,8 @@
 //   AES-128-GCM with a 16-byte all-zero nonce and no associated data
 //   out = ephemeral public point (65) || ciphertext || tag (16)
 
+#include "storage/crypto/Ecies.hpp"
+
 #include <openssl/evp.h>
 
 #include <array>
@@ -13,9 +15,8 @@
 #include "storage/crypto/KeyMaterial.hpp"
 #include "vorn/logging/Log.hpp"
 #include "vorn/platform/KeychainStatus.hpp"
-#include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
-namespace vorn {
+namespace vorn::ecies {
 namespace {
 
 constexpr std::size_t kTagLength = 16;
@@ -123,8 +124,7 @@ std::optional<Bytes> openSealed(ByteView data, const KeyRef& privateKey, OSStatu
 
 }  // namespace
 
-std::optional<Bytes> VORNSDKCryptoUtils::encryptUsingECforData(ByteView data,
-                                                               const KeyRef& publicKey) {
+std::optional<Bytes> encrypt(ByteView data, const KeyRef& publicKey) {
   auto out = seal(data, publicKey);
   if (!out) {
     VORN_LOG_ERROR(LoggerCategory::encryption,
@@ -133,8 +133,7 @@ std::optional<Bytes> VORNSDKCryptoUtils::encryptUsingECforData(ByteView data,
   return out;
 }
 
-std::optional<Bytes> VORNSDKCryptoUtils::decryptUsingECforData(ByteView data,
-                                                               const KeyRef& privateKey) {
+std::optional<Bytes> decrypt(ByteView data, const KeyRef& privateKey) {
   OSStatus status = errSecSuccess;
   auto out = openSealed(data, privateKey, status);
   if (!out) {
@@ -144,4 +143,4 @@ std::optional<Bytes> VORNSDKCryptoUtils::decryptUsingECforData(ByteView data,
   return out;
 }
 
-}  // namespace vorn
+}  // namespace vorn::ecies

@@ -5,7 +5,9 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <string>
 
 #include "vorn/logging/Log.hpp"
@@ -62,10 +64,11 @@ void setInput(z_stream* z, ByteView data) {
   z->avail_in = static_cast<uInt>(data.size());
 }
 
-// Gives the stream the free tail of `out`, growing it by one chunk first when it is full.
-void provideOutput(z_stream* z, Bytes& out) {
+// Gives the stream the free tail of `out`, growing it by one chunk first when it is full, but
+// never past `limit` bytes.
+void provideOutput(z_stream* z, Bytes& out, std::size_t limit = SIZE_MAX) {
   if (z->total_out >= out.size())
-    out.resize(out.size() + kChunk);
+    out.resize(std::min(out.size() + kChunk, limit));
   z->next_out = out.data() + z->total_out;
   z->avail_out = static_cast<uInt>(out.size() - z->total_out);
 }
@@ -97,7 +100,7 @@ std::optional<Bytes> gzipDeflate(ByteView data) {
   return out;
 }
 
-std::optional<Bytes> gzipInflate(ByteView data) {
+std::optional<Bytes> gzipInflate(ByteView data, std::size_t maxOutput) {
   if (data.empty())
     return Bytes{};
   if (data.size() > UINT_MAX)
@@ -106,12 +109,20 @@ std::optional<Bytes> gzipInflate(ByteView data) {
   if (!z)
     return std::nullopt;
   setInput(z, data);
-  Bytes out(data.size() * 2);
+  // One byte beyond the bound tells a stream that fits exactly from one that does not.
+  const std::size_t limit = maxOutput == SIZE_MAX ? maxOutput : maxOutput + 1;
+  Bytes out(std::min(data.size() * 2, limit));
   int status = Z_OK;
   do {
-    provideOutput(z, out);
+    provideOutput(z, out, limit);
     status = inflate(z, Z_SYNC_FLUSH);
-  } while (status == Z_OK || (status == Z_BUF_ERROR && z->avail_out == 0));
+  } while (z->total_out <= maxOutput &&
+           (status == Z_OK || (status == Z_BUF_ERROR && z->avail_out == 0)));
+  if (z->total_out > maxOutput) {
+    VORN_LOG_ERROR(LoggerCategory::encryption,
+                   "Couldn't decompress input: more than " + std::to_string(maxOutput) + " bytes");
+    return std::nullopt;
+  }
   if (status != Z_STREAM_END)
     return std::nullopt;
   out.resize(z->total_out);

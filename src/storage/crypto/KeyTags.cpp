@@ -1,7 +1,5 @@
 #include "storage/crypto/KeyTags.hpp"
 
-#include "vorn/platform/Platform.hpp"
-
 namespace vorn {
 
 std::string keyTag(std::string_view prefix, std::string_view name) {
@@ -11,9 +9,9 @@ std::string keyTag(std::string_view prefix, std::string_view name) {
   return tag;
 }
 
-OSStatus storeKeyHalf(std::string_view tag, KeychainKeyType type, KeychainKeyClass keyClass,
-                      std::size_t bits, std::string_view accessible, Bytes data) {
-  const auto platform = Platform::current();
+OSStatus storeKeyHalf(KeychainStore& store, std::string_view tag, KeychainKeyType type,
+                      KeychainKeyClass keyClass, std::size_t bits, std::string_view accessible,
+                      Bytes data) {
   KeychainKey key;
   key.applicationTag = std::string(tag);
   key.keyType = type;
@@ -21,21 +19,21 @@ OSStatus storeKeyHalf(std::string_view tag, KeychainKeyType type, KeychainKeyCla
   key.keySizeInBits = static_cast<int>(bits);
   key.accessible = std::string(accessible);
   key.keyData = std::move(data);
-  platform->keychain->deleteKey(tag);
-  return platform->keychain->storeKey(key);
+  store.deleteKey(tag);
+  return store.storeKey(key);
 }
 
-OSStatus loadKeyHalf(std::string_view tag, KeychainKeyType type, std::size_t bits,
-                     KeychainKey& key) {
-  const OSStatus status = Platform::current()->keychain->loadKey(tag, std::nullopt, key);
+OSStatus loadKeyHalf(KeychainStore& store, std::string_view tag, KeychainKeyType type,
+                     std::size_t bits, KeychainKey& key) {
+  const OSStatus status = store.loadKey(tag, std::nullopt, key);
   if (status != errSecSuccess)
     return status;
   const bool sizeMatches = bits == 0 || key.keySizeInBits == static_cast<int>(bits);
   return key.keyType == type && sizeMatches ? errSecSuccess : errSecItemNotFound;
 }
 
-OSStatus deleteKeyHalf(std::string_view tag) {
-  return Platform::current()->keychain->deleteKey(tag);
+OSStatus deleteKeyHalf(KeychainStore& store, std::string_view tag) {
+  return store.deleteKey(tag);
 }
 
 }  // namespace vorn

@@ -1,3 +1,5 @@
+#include "storage/crypto/RandomBytes.hpp"
+
 #include <openssl/rand.h>
 
 #include <cerrno>
@@ -5,11 +7,10 @@
 #include <string>
 
 #include "vorn/logging/Log.hpp"
-#include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
 namespace vorn {
 
-std::optional<Bytes> VORNSDKCryptoUtils::randomByteDataWithLength(std::size_t length) {
+std::optional<Bytes> randomBytes(std::size_t length) {
   Bytes out(length);
   if (length > static_cast<std::size_t>(INT_MAX) ||
       RAND_bytes(out.data(), static_cast<int>(length)) != 1) {

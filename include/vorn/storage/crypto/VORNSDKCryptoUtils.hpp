@@ -1,6 +1,9 @@
 // The crypto toolbox behind the key store and the encryption manager: AES-CBC with PKCS#7
 // padding, random bytes, RSA (PKCS#1 v1.5) and EC P-256 (ECIES) key pairs kept in the
-// keychain by tag, and DER helpers. Class operations only; no instance.
+// keychain by tag, and DER helpers. Class operations only; no instance. Each operation
+// forwards to the routine of its concept (src/storage/crypto/: Aes, RsaKeys, EcKeys, Ecies,
+// Der, RandomBytes), which takes its key store as an argument; the class passes the current
+// Platform's keychain.
 //
 // AES: the key is cut or zero-padded to the key length and the vector to 16 bytes; no vector
 // means 16 zero bytes. The output is the bare ciphertext. A null key, a failed cipher set-up

@@ -1,14 +1,13 @@
-// RSA key pairs in the keychain and PKCS#1 v1.5 encryption.
+#include "storage/crypto/RsaKeys.hpp"
 
 #include <openssl/rsa.h>
 
 #include "storage/crypto/KeyMaterial.hpp"
 #include "storage/crypto/KeyTags.hpp"
 #include "vorn/logging/Log.hpp"
-#include "vorn/storage/crypto/Base64.hpp"
 #include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
-namespace vorn {
+namespace vorn::rsa {
 namespace {
 
 std::string lengthText(std::size_t keyLength) {
@@ -40,13 +39,13 @@ bool usable(const KeyRef& key, bool wantPrivate) {
 
 }  // namespace
 
-void VORNSDKCryptoUtils::createRSAKeyPairWithName(std::string_view name, std::size_t keyLength,
-                                                  std::string_view accessibleAttribute) {
+void createPair(KeychainStore& store, std::string_view name, std::size_t keyLength,
+                std::string_view accessibleAttribute) {
   PKey pair = generateRsaKey(keyLength);
   Bytes privateBytes = pair ? rsaExternal(pair.get(), true) : Bytes{};
   const OSStatus privateStatus =
       privateBytes.empty() ? errSecParam
-                           : storeKeyHalf(keyTag(kRSAPrivateKeyTagPrefix, name),
+                           : storeKeyHalf(store, keyTag(kRSAPrivateKeyTagPrefix, name),
                                           KeychainKeyType::rsa, KeychainKeyClass::privateKey,
                                           keyLength, accessibleAttribute, std::move(privateBytes));
   if (privateStatus != errSecSuccess) {
@@ -58,7 +57,7 @@ void VORNSDKCryptoUtils::createRSAKeyPairWithName(std::string_view name, std::si
   }
   Bytes publicBytes = rsaExternal(pair.get(), false);
   if (publicBytes.empty() ||
-      storeKeyHalf(keyTag(kRSAPublicKeyTagPrefix, name), KeychainKeyType::rsa,
+      storeKeyHalf(store, keyTag(kRSAPublicKeyTagPrefix, name), KeychainKeyType::rsa,
                    KeychainKeyClass::publicKey, keyLength, accessibleAttribute,
                    std::move(publicBytes)) != errSecSuccess) {
     VORN_LOG_ERROR(LoggerCategory::encryption, "Error creating RSA public key with name " +
@@ -67,10 +66,10 @@ void VORNSDKCryptoUtils::createRSAKeyPairWithName(std::string_view name, std::si
   }
 }
 
-std::optional<Bytes> VORNSDKCryptoUtils::getRSAKeyDataWithTag(std::string_view tag,
-                                                              std::size_t keyLength) {
+std::optional<Bytes> keyDataWithTag(KeychainStore& store, std::string_view tag,
+                                    std::size_t keyLength) {
   KeychainKey key;
-  const OSStatus status = loadKeyHalf(tag, KeychainKeyType::rsa, keyLength, key);
+  const OSStatus status = loadKeyHalf(store, tag, KeychainKeyType::rsa, keyLength, key);
   if (status != errSecSuccess) {
     VORN_LOG_ERROR(LoggerCategory::encryption,
                    "Error getting RSA key with tag " + std::string(tag) + " and length " +
@@ -80,9 +79,9 @@ std::optional<Bytes> VORNSDKCryptoUtils::getRSAKeyDataWithTag(std::string_view t
   return std::move(key.keyData);
 }
 
-KeyRef VORNSDKCryptoUtils::getRSAKeyRefWithTag(std::string_view tag, std::size_t keyLength) {
+KeyRef keyRefWithTag(KeychainStore& store, std::string_view tag, std::size_t keyLength) {
   KeychainKey key;
-  OSStatus status = loadKeyHalf(tag, KeychainKeyType::rsa, keyLength, key);
+  OSStatus status = loadKeyHalf(store, tag, KeychainKeyType::rsa, keyLength, key);
   KeyRef ref;
   if (status == errSecSuccess) {
     ref = rsaKeyFromExternal(key.keyData, key.keyClass == KeychainKeyClass::privateKey);
@@ -96,42 +95,17 @@ KeyRef VORNSDKCryptoUtils::getRSAKeyRefWithTag(std::string_view tag, std::size_t
   return ref;
 }
 
-KeyRef VORNSDKCryptoUtils::getRSAPublicKeyRefWithName(std::string_view name,
-                                                      std::size_t keyLength) {
-  return getRSAKeyRefWithTag(keyTag(kRSAPublicKeyTagPrefix, name), keyLength);
-}
-
-KeyRef VORNSDKCryptoUtils::getRSAPrivateKeyRefWithName(std::string_view name,
-                                                       std::size_t keyLength) {
-  return getRSAKeyRefWithTag(keyTag(kRSAPrivateKeyTagPrefix, name), keyLength);
-}
-
-std::optional<Bytes> VORNSDKCryptoUtils::getRSAPrivateKeyDataWithName(std::string_view name,
-                                                                      std::size_t keyLength) {
-  return getRSAKeyDataWithTag(keyTag(kRSAPrivateKeyTagPrefix, name), keyLength);
-}
-
-std::optional<std::string> VORNSDKCryptoUtils::getRSAPublicKeyStringWithName(
-    std::string_view name, std::size_t keyLength) {
-  const auto data = getRSAKeyDataWithTag(keyTag(kRSAPublicKeyTagPrefix, name), keyLength);
-  if (!data)
-    return std::nullopt;
-  return base64Encode(*data);
-}
-
-std::optional<Bytes> VORNSDKCryptoUtils::encryptUsingRSAforData(ByteView data,
-                                                                const KeyRef& publicKey) {
+std::optional<Bytes> encrypt(ByteView data, const KeyRef& publicKey) {
   auto out = usable(publicKey, false) ? pkcs1(publicKey, data, true) : std::nullopt;
   if (!out) {
-    VORN_LOG_WARNING(
-        LoggerCategory::encryption,
-        "The encryptUsingRSAforData failed with message: " + getMessageWithOSStatus(errSecParam));
+    VORN_LOG_WARNING(LoggerCategory::encryption,
+                     "The encryptUsingRSAforData failed with message: " +
+                         VORNSDKCryptoUtils::getMessageWithOSStatus(errSecParam));
   }
   return out;
 }
 
-std::optional<Bytes> VORNSDKCryptoUtils::decryptUsingRSAforData(ByteView data,
-                                                                const KeyRef& privateKey) {
+std::optional<Bytes> decrypt(ByteView data, const KeyRef& privateKey) {
   const bool ok = usable(privateKey, true);
   auto out = ok ? pkcs1(privateKey, data, false) : std::nullopt;
   if (!out) {
@@ -142,4 +116,4 @@ std::optional<Bytes> VORNSDKCryptoUtils::decryptUsingRSAforData(ByteView data,
   return out;
 }
 
-}  // namespace vorn
+}  // namespace vorn::rsa
