@@ -10,8 +10,12 @@
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "vorn/events/SystemEvent.hpp"
 #include "vorn/messaging/EventBus.hpp"
 #include "vorn/messaging/Subscriber.hpp"
+#include "vorn/testing/CaptureLogSink.hpp"
 
 namespace vorn::bustest {
 
@@ -112,6 +116,24 @@ class IdRecordingSubscriber : public Subscriber {
   const ModuleName name_;
   mutable std::mutex mutex_;
   std::vector<std::string> ids_;  // guarded by mutex_
+};
+
+inline std::shared_ptr<const Event> event(const std::string& name) {
+  return std::make_shared<SystemEvent>(name);
+}
+
+// Every bus test starts with all modules inactive and the log captured.
+class EventBusTest : public ::testing::Test {
+ protected:
+  std::shared_ptr<RecordingSubscriber> subscribeOperational(ModuleName module) {
+    statuses.set(module, ModuleStatus::operational);
+    auto subscriber = std::make_shared<RecordingSubscriber>(module);
+    EventBus::subscribe(subscriber);
+    return subscriber;
+  }
+
+  std::shared_ptr<testing::CaptureLogSink> sink = testing::CaptureLogSink::install();
+  Statuses statuses;
 };
 
 }  // namespace vorn::bustest
