@@ -7,6 +7,13 @@
 namespace vorn {
 namespace {
 
+TEST(ModuleName, IntegerTagsParseSilently) {
+  static_assert(moduleNameFromRawInt(0) == ModuleName::cdp);
+  static_assert(moduleNameFromRawInt(1) == ModuleName::push);
+  static_assert(!moduleNameFromRawInt(2) && !moduleNameFromRawInt(-1));
+  EXPECT_EQ(rawIntValue(ModuleName::push), 1);
+}
+
 TEST(ModuleName, RawValuesDescriptionsAndOrder) {
   EXPECT_EQ(rawValue(ModuleName::cdp), "cdp");
   EXPECT_EQ(rawValue(ModuleName::push), "push");

@@ -1,23 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <thread>
-
+// Subscribing, unsubscribing and publishing through a Publisher.
 #include "BusTestSupport.hpp"
-#include "vorn/events/CustomEvent.hpp"
-#include "vorn/events/SystemEvent.hpp"
-#include "vorn/messaging/EventBus.hpp"
 #include "vorn/messaging/Publisher.hpp"
-#include "vorn/messaging/SendMessageOperation.hpp"
-#include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/Wait.hpp"
 
-namespace vorn {
+namespace vorn::bustest {
 namespace {
 
-using bustest::event;
-using bustest::EventBusTest;
-using bustest::RecordingSubscriber;
-using testing::CaptureLogSink;
 using testing::waitUntil;
 
 TEST_F(EventBusTest, SubscribingRequiresAnOperationalModule) {
@@ -115,4 +103,4 @@ TEST_F(EventBusTest, PublisherSendsToEveryModuleAsItsOwnProducer) {
 }
 
 }  // namespace
-}  // namespace vorn
+}  // namespace vorn::bustest
