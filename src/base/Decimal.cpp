@@ -1,25 +1,14 @@
 #include "vorn/base/Decimal.hpp"
 
-#include <algorithm>
 #include <limits>
 
 namespace vorn {
 namespace {
 
-// The exponent range of the platform decimal type; it also keeps comparisons, which pad
-// digits to a common scale, small.
-constexpr std::int64_t kMaxScaleMagnitude = 128;
+constexpr std::int64_t kMaxScaleMagnitude = Decimal::kMaxScaleMagnitude;
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-// Numeric comparison of the magnitudes as unsigned digit strings padded to a common scale.
-std::string digitsAtScale(std::uint64_t magnitude, std::int64_t scale, std::int64_t target) {
-  std::string digits = std::to_string(magnitude);
-  digits.append(static_cast<std::size_t>(target - scale), '0');
-  const std::size_t firstNonZero = digits.find_first_not_of('0');
-  return firstNonZero == std::string::npos ? std::string() : digits.substr(firstNonZero);
 }
 
 std::uint64_t magnitudeOf(std::int64_t value) {
@@ -27,15 +16,37 @@ std::uint64_t magnitudeOf(std::int64_t value) {
                    : static_cast<std::uint64_t>(value);
 }
 
+// A nonzero magnitude as its significant digits and the power of ten of the leading one, so
+// that two magnitudes compare without padding either to a common scale.
+struct Significand {
+  std::uint64_t digits = 0;  // no trailing zero
+  int count = 0;             // decimal digits in `digits`, at most 19
+  std::int64_t leading = 0;  // the power of ten of the leading digit
+};
+
+Significand significandOf(std::uint64_t magnitude, std::int64_t scale) {
+  while (magnitude % 10 == 0) {
+    magnitude /= 10;
+    --scale;
+  }
+  int count = 1;
+  for (std::uint64_t rest = magnitude; rest >= 10; rest /= 10)
+    ++count;
+  return Significand{magnitude, count, count - 1 - scale};
+}
+
 std::strong_ordering compareMagnitudes(const Decimal& a, const Decimal& b) {
-  const std::int64_t target = std::max<std::int64_t>(a.scale(), b.scale());
-  const std::string da = digitsAtScale(magnitudeOf(a.mantissa()), a.scale(), target);
-  const std::string db = digitsAtScale(magnitudeOf(b.mantissa()), b.scale(), target);
-  if (da.size() != db.size())
-    return da.size() <=> db.size();
-  const int c = da.compare(db);
-  return c < 0 ? std::strong_ordering::less
-               : (c > 0 ? std::strong_ordering::greater : std::strong_ordering::equal);
+  Significand x = significandOf(magnitudeOf(a.mantissa()), a.scale());
+  Significand y = significandOf(magnitudeOf(b.mantissa()), b.scale());
+  if (x.leading != y.leading)
+    return x.leading <=> y.leading;
+  // Equal leading powers: align the digits on the left. Nineteen digits stay below 10^19,
+  // which fits in 64 bits.
+  for (; x.count < y.count; ++x.count)
+    x.digits *= 10;
+  for (; y.count < x.count; ++y.count)
+    y.digits *= 10;
+  return x.digits <=> y.digits;
 }
 
 }  // namespace

@@ -3,7 +3,12 @@
 // Text is parsed and printed without binary floating point, so "19.90" comes back as
 // "19.90" (the scale is kept) and 0.1 + 0.2 style rounding never happens. The mantissa is
 // a signed 64-bit integer: up to 18 significant digits always fit. Text that needs more, or
-// that is not a decimal number, does not parse; parsed scales lie within -128..128.
+// that is not a decimal number, does not parse.
+//
+// Scales lie within -kMaxScaleMagnitude..kMaxScaleMagnitude (-128..128, the platform decimal
+// type's exponent range): text outside it does not parse, and the constructor saturates a
+// scale beyond it to the nearest bound, so that printing stays under 150 characters and
+// comparison never pads digits.
 //
 // Equality and ordering are numeric: 1.5 == 1.50.
 //
@@ -22,11 +27,15 @@ namespace vorn {
 
 class VORN_API Decimal {
  public:
+  /// The largest scale magnitude a decimal keeps.
+  static constexpr std::int32_t kMaxScaleMagnitude = 128;
+
   /// Zero.
   constexpr Decimal() noexcept = default;
-  /// mantissa × 10^-scale; a negative scale multiplies by a power of ten.
+  /// mantissa × 10^-scale; a negative scale multiplies by a power of ten. A scale beyond
+  /// ±kMaxScaleMagnitude is saturated to it.
   constexpr Decimal(std::int64_t mantissa, std::int32_t scale) noexcept
-      : mantissa_(mantissa), scale_(scale) {}
+      : mantissa_(mantissa), scale_(saturated(scale)) {}
 
   /// Accepts an optional sign, digits with at most one decimal point (at least one digit
   /// overall) and an optional exponent ("e" or "E", optional sign, digits), with no white
@@ -44,6 +53,12 @@ class VORN_API Decimal {
   std::strong_ordering operator<=>(const Decimal& other) const noexcept;
 
  private:
+  static constexpr std::int32_t saturated(std::int32_t scale) noexcept {
+    return scale < -kMaxScaleMagnitude  ? -kMaxScaleMagnitude
+           : scale > kMaxScaleMagnitude ? kMaxScaleMagnitude
+                                        : scale;
+  }
+
   std::int64_t mantissa_ = 0;
   std::int32_t scale_ = 0;
 };
