@@ -1,9 +1,12 @@
 // Every test-support header of vorn::testing: in-memory and fault-injecting stores, the
-// capture log sink, and the wait, temporary-directory and child-process helpers.
+// capture log sink, fake feature modules, and the wait, temporary-directory and child-process
+// helpers.
 #pragma once
 
 #include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/ChildProcess.hpp"
+#include "vorn/testing/FakeModule.hpp"
+#include "vorn/testing/FakeModuleConfig.hpp"
 #include "vorn/testing/FakePendingOperations.hpp"
 #include "vorn/testing/FaultyDefaultsStore.hpp"
 #include "vorn/testing/FaultyKeychainStore.hpp"
