@@ -3,6 +3,7 @@
 // that captures the log.
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -60,6 +61,15 @@ class RecordingSubscriber final : public Subscriber {
   std::vector<std::shared_ptr<const IdentityEvent>> events_;  // guarded by mutex_
 };
 
+inline std::string summary(const IdentityEvent& event) {
+  if (event.profileId())
+    return "id " + *event.profileId();
+  std::string text = "attrs ";
+  for (const auto& [key, value] : event.profileAttributes().value_or(StringDictionary{}))
+    text += key + "=" + value + ";";
+  return text;
+}
+
 class IdentityTest : public ::testing::Test {
  protected:
   IdentityTest() {
@@ -82,11 +92,18 @@ class IdentityTest : public ::testing::Test {
     subscribers_.push_back(subscriber);
     return subscriber;
   }
-  // Publishing queues the delivery before it returns, so waiting for the queue is enough.
-  std::vector<std::shared_ptr<const IdentityEvent>> received(ModuleName module) {
+  // What reached the module, one summary per event ("id u1", "attrs a=1;b=;"), sorted:
+  // deliveries to one module may overlap, so their order is not theirs to keep. Publishing
+  // queues the delivery before it returns, so waiting for the queue is enough.
+  std::vector<std::string> received(ModuleName module) {
     const auto subscription = EventBus::subscriptions().at(module);
     subscription->queue().waitUntilAllOperationsAreFinished();
-    return std::static_pointer_cast<RecordingSubscriber>(subscription->subscriber())->events();
+    std::vector<std::string> summaries;
+    for (const auto& event :
+         std::static_pointer_cast<RecordingSubscriber>(subscription->subscriber())->events())
+      summaries.push_back(summary(*event));
+    std::sort(summaries.begin(), summaries.end());
+    return summaries;
   }
   std::vector<std::string> identityLines() const {
     std::vector<std::string> lines;

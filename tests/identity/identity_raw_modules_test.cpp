@@ -37,14 +37,8 @@ TEST_F(IdentityTest, InvalidIntegersAreDroppedAndTheRestServed) {
                    "Setting `[\"k\": \"v\"]` as profile attributes for cdp triggered.",
                    "Invalid module rawValue: `3`.",
                    "Setting `[\"p\": \"q\"]` as profile attributes for push triggered."}));
-  const auto cdp = received(ModuleName::cdp);
-  ASSERT_EQ(cdp.size(), 2u);
-  EXPECT_EQ(cdp[0]->profileId(), "c");
-  EXPECT_EQ(cdp[1]->profileAttributes(), (StringDictionary{{"k", "v"}}));
-  const auto push = received(ModuleName::push);
-  ASSERT_EQ(push.size(), 2u);
-  EXPECT_EQ(push[0]->profileId(), "x");
-  EXPECT_EQ(push[1]->profileAttributes(), (StringDictionary{{"p", "q"}}));
+  EXPECT_EQ(received(ModuleName::cdp), (Lines{"attrs k=v;", "id c"}));
+  EXPECT_EQ(received(ModuleName::push), (Lines{"attrs p=q;", "id x"}));
 }
 
 }  // namespace

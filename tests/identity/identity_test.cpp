@@ -16,11 +16,8 @@ TEST_F(IdentityTest, ProfileIdForAllReachesEverySubscriberFromTheSdk) {
   identity().setProfileId("u1");
   EXPECT_EQ(identityLines(),
             Lines{"Setting `u1` as profileId for all subscribed modules triggered."});
-  for (const ModuleName module : kAllModuleNames) {
-    const auto events = received(module);
-    ASSERT_EQ(events.size(), 1u);
-    EXPECT_EQ(events[0]->profileId(), "u1");
-  }
+  for (const ModuleName module : kAllModuleNames)
+    EXPECT_EQ(received(module), Lines{"id u1"});
   EXPECT_EQ(sink->find("Message `IdentityEvent` received on the event bus.")->category,
             LoggerCategory::eventBus);
 }
@@ -61,8 +58,7 @@ TEST_F(IdentityTest, NamedModulesAreServedInOrderAndAlone) {
                                     "Setting `u2` as profileId for push failed.",
                                     "Setting `u2` as profileId for cdp triggered."}));
   EXPECT_TRUE(received(ModuleName::push).empty());
-  ASSERT_EQ(received(ModuleName::cdp).size(), 1u);
-  EXPECT_EQ(received(ModuleName::cdp)[0]->profileId(), "u2");
+  EXPECT_EQ(received(ModuleName::cdp), Lines{"id u2"});
 }
 
 TEST_F(IdentityTest, EachModuleGetsItsOwnValues) {
@@ -71,11 +67,8 @@ TEST_F(IdentityTest, EachModuleGetsItsOwnValues) {
   identity().setProfileId(IDENTITY::ProfileIds{{ModuleName::cdp, "c"}, {ModuleName::push, "p"}});
   identity().setProfileAttributes(
       IDENTITY::ModuleAttributes{{ModuleName::push, {{"tier", "gold"}}}});
-  EXPECT_EQ(received(ModuleName::cdp)[0]->profileId(), "c");
-  const auto push = received(ModuleName::push);
-  ASSERT_EQ(push.size(), 2u);
-  EXPECT_EQ(push[0]->profileId(), "p");
-  EXPECT_EQ(push[1]->profileAttributes(), (StringDictionary{{"tier", "gold"}}));
+  EXPECT_EQ(received(ModuleName::cdp), Lines{"id c"});
+  EXPECT_EQ(received(ModuleName::push), (Lines{"attrs tier=gold;", "id p"}));
   EXPECT_TRUE(
       sink->contains("Setting `[\"tier\": \"gold\"]` as profile attributes for push triggered."));
 }
@@ -88,8 +81,7 @@ TEST_F(IdentityTest, AttributesForAllAreDescribedWithEscapes) {
             (Lines{"Setting `[\"a\": \"\", \"b\": \"say \\\"hi\\\"\\n\"]` as attributes for all "
                    "modules triggered.",
                    "Setting `[:]` as attributes for all modules triggered."}));
-  ASSERT_EQ(received(ModuleName::cdp).size(), 2u);
-  EXPECT_FALSE(received(ModuleName::cdp)[0]->profileId());
+  EXPECT_EQ(received(ModuleName::cdp), (Lines{"attrs ", "attrs a=;b=say \"hi\"\n;"}));
 }
 
 TEST_F(IdentityTest, ClearingSetsEveryKeyToEmptyForAll) {
@@ -101,10 +93,7 @@ TEST_F(IdentityTest, ClearingSetsEveryKeyToEmptyForAll) {
                    "Setting `[\"a\": \"\", \"b\": \"\"]` as attributes for all modules triggered.",
                    "Clearing following profile attributes: [\"c\"]",
                    "Setting `[\"c\": \"\"]` as attributes for all modules triggered."}));
-  const auto events = received(ModuleName::push);
-  ASSERT_EQ(events.size(), 2u);
-  EXPECT_EQ(events[0]->profileAttributes(), (StringDictionary{{"a", ""}, {"b", ""}}));
-  EXPECT_EQ(events[1]->profileAttributes(), (StringDictionary{{"c", ""}}));
+  EXPECT_EQ(received(ModuleName::push), (Lines{"attrs a=;b=;", "attrs c=;"}));
 }
 
 }  // namespace
