@@ -74,6 +74,7 @@
 #include "vorn/platform/KeychainStatus.hpp"
 #include "vorn/platform/KeychainStore.hpp"
 #include "vorn/platform/Platform.hpp"
+#include "vorn/platform/ReadResult.hpp"
 #include "vorn/runtime/Atomic.hpp"
 #include "vorn/runtime/BlockOperation.hpp"
 #include "vorn/runtime/DispatchGroup.hpp"

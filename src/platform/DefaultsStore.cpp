@@ -50,6 +50,12 @@ struct AsString {
 
 DefaultsStore::~DefaultsStore() = default;
 
+ReadResult<DefaultsValue> DefaultsStore::read(std::string_view suite, std::string_view key) {
+  auto value = object(suite, key);
+  return value ? ReadResult<DefaultsValue>::found(std::move(*value))
+               : ReadResult<DefaultsValue>::absent();
+}
+
 bool DefaultsStore::boolFor(std::string_view suite, std::string_view key) {
   const auto value = object(suite, key);
   return value ? std::visit(AsBool(), *value) : false;

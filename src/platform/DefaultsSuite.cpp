@@ -9,6 +9,10 @@ std::optional<DefaultsValue> DefaultsSuite::object(std::string_view key) const {
   return store_->object(name_, key);
 }
 
+ReadResult<DefaultsValue> DefaultsSuite::read(std::string_view key) const {
+  return store_->read(name_, key);
+}
+
 bool DefaultsSuite::boolFor(std::string_view key) const {
   return store_->boolFor(name_, key);
 }

@@ -5,9 +5,32 @@ namespace vorn::testing {
 FaultyDefaultsStore::FaultyDefaultsStore(std::shared_ptr<DefaultsStore> inner)
     : inner_(std::move(inner)) {}
 
+void FaultyDefaultsStore::failNextReads(int times, std::optional<std::string> key) {
+  std::lock_guard lock(mutex_);
+  failingReads_ = times;
+  failingReadKey_ = std::move(key);
+}
+
+bool FaultyDefaultsStore::readFails(std::string_view key) {
+  ++reads_;
+  if (failReads_)
+    return true;
+  std::lock_guard lock(mutex_);
+  if (failingReads_ == 0 || (failingReadKey_ && *failingReadKey_ != key))
+    return false;
+  --failingReads_;
+  return true;
+}
+
 std::optional<DefaultsValue> FaultyDefaultsStore::object(std::string_view suite,
                                                          std::string_view key) {
-  return inner_->object(suite, key);
+  return read(suite, key).valueIfFound();
+}
+
+ReadResult<DefaultsValue> FaultyDefaultsStore::read(std::string_view suite, std::string_view key) {
+  if (readFails(key))
+    return ReadResult<DefaultsValue>::error(kReadFailure);
+  return inner_->read(suite, key);
 }
 
 bool FaultyDefaultsStore::set(std::string_view suite, std::string_view key,

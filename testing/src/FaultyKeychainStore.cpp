@@ -129,4 +129,10 @@ OSStatus FaultyKeychainStore::deleteKey(std::string_view applicationTag) {
   return inner_->deleteKey(applicationTag);
 }
 
+OSStatus FaultyKeychainStore::exclusively(const std::function<void()>& body) {
+  if (const auto status = enter(KeychainOperation::exclusively, std::nullopt))
+    return *status;
+  return inner_->exclusively(body);
+}
+
 }  // namespace vorn::testing

@@ -4,7 +4,8 @@
 // Values are bool, integer, text or bytes (DefaultsValue). The typed readers convert the way
 // the host platform does: boolFor and integerFor read numbers and numeric text, stringFor
 // reads text and numbers, dataFor reads bytes only; an absent key reads false, 0 or
-// nothing. object() tells an absent key from a stored default-looking value.
+// nothing. object() tells an absent key from a stored default-looking value; read() also tells
+// both from a read the backend could not answer.
 //
 // Durability: once a setter returns true, the value survives a crash of the app process.
 // Setters answer false (and log) only when the backend cannot write.
@@ -26,6 +27,7 @@
 #include <vector>
 
 #include "vorn/base/Export.hpp"
+#include "vorn/platform/ReadResult.hpp"
 
 namespace vorn {
 
@@ -52,6 +54,9 @@ class VORN_API DefaultsStore : public std::enable_shared_from_this<DefaultsStore
 
   /// The stored value, or nothing when the key is absent from the suite.
   virtual std::optional<DefaultsValue> object(std::string_view suite, std::string_view key) = 0;
+  /// The stored value, absent, or an error when the backend could not answer (object() reads
+  /// such a failure as an absent key). Backends that cannot fail keep this default.
+  virtual ReadResult<DefaultsValue> read(std::string_view suite, std::string_view key);
   /// Stores `value` under `key`, replacing what was there.
   virtual bool set(std::string_view suite, std::string_view key, const DefaultsValue& value) = 0;
   /// Removes the key; removing an absent key succeeds.
@@ -84,6 +89,7 @@ class VORN_API DefaultsSuite {
   const std::shared_ptr<DefaultsStore>& store() const noexcept { return store_; }
 
   std::optional<DefaultsValue> object(std::string_view key) const;
+  ReadResult<DefaultsValue> read(std::string_view key) const;
   bool boolFor(std::string_view key) const;
   std::int64_t integerFor(std::string_view key) const;
   std::optional<std::string> stringFor(std::string_view key) const;

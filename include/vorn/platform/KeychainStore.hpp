@@ -14,11 +14,18 @@
 // (inMemory). Tests wrap either in vorn::testing::FaultyKeychainStore to answer any call
 // with any status.
 //
+// Exclusive sections: exclusively() runs a function while no other section of the same store
+// runs, in this process or in another process using the same file, so that code can read,
+// decide and write shared items without losing another writer's change. Whoever calls the
+// store while holding one of its own locks must make sure no section body waits for that
+// lock: with the file backend, other threads' calls wait while a section runs.
+//
 // Thread safety: every member function of every backend may be called from any thread; each
 // call is atomic. Nothing is thrown.
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -64,6 +71,13 @@ class VORN_API KeychainStore {
                            std::optional<KeychainKeyClass> keyClass, KeychainKey& key) = 0;
   /// Deletes every key with `applicationTag`; errSecItemNotFound when there is none.
   virtual OSStatus deleteKey(std::string_view applicationTag) = 0;
+
+  /// Runs `body` in an exclusive section (see above). Calls made inside `body` on this thread
+  /// work as usual and see every change committed before the section began; sections nest.
+  /// errSecSuccess once `body` ran and its changes are stored; an error status when the
+  /// section could not be had in time (then `body` did not run) or not be committed. This
+  /// default is a process-wide re-entrant mutex, enough for stores that live in one process.
+  virtual OSStatus exclusively(const std::function<void()>& body);
 };
 
 }  // namespace vorn

@@ -68,21 +68,29 @@ bool SqliteDefaultsStore::failure() {
 
 std::optional<DefaultsValue> SqliteDefaultsStore::object(std::string_view suite,
                                                          std::string_view key) {
+  return read(suite, key).valueIfFound();
+}
+
+ReadResult<DefaultsValue> SqliteDefaultsStore::read(std::string_view suite, std::string_view key) {
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kSelect);
   if (statement == nullptr) {
     failure();
-    return std::nullopt;
+    return ReadResult<DefaultsValue>::error(SQLITE_ERROR);
   }
   StatementScope scope(statement);
   bindText(statement, 1, suite);
   bindText(statement, 2, key);
   const int step = sqlite3_step(statement);
-  if (step == SQLITE_ROW)
-    return columnValue(statement);
-  if (step != SQLITE_DONE)
-    failure();
-  return std::nullopt;
+  if (step == SQLITE_ROW) {
+    auto value = columnValue(statement);
+    return value ? ReadResult<DefaultsValue>::found(std::move(*value))
+                 : ReadResult<DefaultsValue>::absent();
+  }
+  if (step == SQLITE_DONE)
+    return ReadResult<DefaultsValue>::absent();
+  failure();
+  return ReadResult<DefaultsValue>::error(step);
 }
 
 bool SqliteDefaultsStore::set(std::string_view suite, std::string_view key,

@@ -17,6 +17,7 @@ class SqliteDefaultsStore final : public DefaultsStore {
   explicit SqliteDefaultsStore(std::unique_ptr<SqliteDatabase> db) : db_(std::move(db)) {}
 
   std::optional<DefaultsValue> object(std::string_view suite, std::string_view key) override;
+  ReadResult<DefaultsValue> read(std::string_view suite, std::string_view key) override;
   bool set(std::string_view suite, std::string_view key, const DefaultsValue& value) override;
   bool remove(std::string_view suite, std::string_view key) override;
   bool removePersistentDomain(std::string_view suite) override;

@@ -200,7 +200,7 @@ OSStatus SqliteKeychainStore::writeRow(const Row& row) {
 
 OSStatus SqliteKeychainStore::update(const KeychainQuery& query, const KeychainItem& changes) {
   std::lock_guard lock(mutex_);
-  if (!db_->execute("BEGIN IMMEDIATE"))
+  if (!beginChange())
     return failure();
   std::vector<Row> rows;
   OSStatus status = selectMatching(query, false, rows);
@@ -211,10 +211,10 @@ OSStatus SqliteKeychainStore::update(const KeychainQuery& query, const KeychainI
     status = writeRow(rows[i]);
   }
   if (status != errSecSuccess) {
-    db_->execute("ROLLBACK");
+    endChange(false);
     return status;
   }
-  return db_->execute("COMMIT") ? errSecSuccess : failure();
+  return endChange(true) ? errSecSuccess : failure();
 }
 
 OSStatus SqliteKeychainStore::remove(const KeychainQuery& query) {

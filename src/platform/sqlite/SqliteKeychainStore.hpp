@@ -3,6 +3,10 @@
 // Items live in `items` (unique by service and account, ordered by insertion), keys in
 // `keys` (unique by tag and class). Further item attributes are kept as one CBOR map.
 // Any SQLite failure answers errSecNotAvailable after a log line.
+//
+// An exclusive section is one BEGIN IMMEDIATE transaction on the connection, which SQLite
+// locks against every other connection to the file; the mutex is held for the whole section,
+// so the section's own thread re-enters it and other threads wait.
 #pragma once
 
 #include <memory>
@@ -26,6 +30,7 @@ class SqliteKeychainStore final : public KeychainStore {
   OSStatus loadKey(std::string_view applicationTag, std::optional<KeychainKeyClass> keyClass,
                    KeychainKey& key) override;
   OSStatus deleteKey(std::string_view applicationTag) override;
+  OSStatus exclusively(const std::function<void()>& body) override;
 
  private:
   struct Row {
@@ -36,9 +41,13 @@ class SqliteKeychainStore final : public KeychainStore {
   OSStatus selectMatching(const KeychainQuery& query, bool onlyFirst, std::vector<Row>& rows);
   OSStatus writeRow(const Row& row);
   OSStatus failure();
+  // A change of several rows: its own transaction, or a savepoint inside a section.
+  bool beginChange();
+  bool endChange(bool keep);
 
-  std::mutex mutex_;
+  std::recursive_mutex mutex_;
   std::unique_ptr<SqliteDatabase> db_;  // guarded by mutex_
+  int sectionDepth_ = 0;                // guarded by mutex_
 };
 
 }  // namespace vorn::platform

@@ -27,6 +27,8 @@ enum class KeychainOperation : int {
   storeKey = 4,
   loadKey = 5,
   deleteKey = 6,
+  /// exclusively(): a faulted section does not run its body.
+  exclusively = 7,
 };
 
 class FaultyKeychainStore : public KeychainStore {
@@ -59,6 +61,8 @@ class FaultyKeychainStore : public KeychainStore {
   OSStatus loadKey(std::string_view applicationTag, std::optional<KeychainKeyClass> keyClass,
                    KeychainKey& key) override;
   OSStatus deleteKey(std::string_view applicationTag) override;
+  /// The inner store's section, so that sections lock what the inner store locks.
+  OSStatus exclusively(const std::function<void()>& body) override;
 
  private:
   struct Fault {
