@@ -5,9 +5,13 @@
 
 #include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/ChildProcess.hpp"
+#include "vorn/testing/FakeCallLog.hpp"
+#include "vorn/testing/FakeCdpModule.hpp"
 #include "vorn/testing/FakeModule.hpp"
+#include "vorn/testing/FakeModuleClass.hpp"
 #include "vorn/testing/FakeModuleConfig.hpp"
 #include "vorn/testing/FakePendingOperations.hpp"
+#include "vorn/testing/FakePushModule.hpp"
 #include "vorn/testing/FaultyDefaultsStore.hpp"
 #include "vorn/testing/FaultyKeychainStore.hpp"
 #include "vorn/testing/PlatformInstall.hpp"
