@@ -129,9 +129,9 @@ TEST_F(PushRequests, AnEmptyRequestIsIgnored) {
   EXPECT_EQ(ranInOrder(), std::vector{1});
 }
 
-// Requests racing the module's becoming operational each run exactly once: none is kept
-// after the release that should have freed it.
-TEST_F(PushRequests, NoneIsStrandedWhileTheModuleBecomesOperational) {
+// Requests made from several threads while the module becomes operational each run
+// exactly once: none is lost from the kept list, none is released twice.
+TEST_F(PushRequests, ConcurrentRequestsRunExactlyOnceWhileTheModuleBecomesOperational) {
   constexpr int kThreads = 4;
   constexpr int kEach = 200;
   std::atomic<int> count{0};
@@ -146,7 +146,12 @@ TEST_F(PushRequests, NoneIsStrandedWhileTheModuleBecomesOperational) {
   push->releaseDeferredCalls();
   for (auto& thread : threads)
     thread.join();
-  EXPECT_TRUE(testing::waitUntil([&] { return count.load() == kThreads * kEach; })) << count.load();
+  push->requestPushSdk([&](std::shared_ptr<PushInterface>) { ++count; });
+  EXPECT_TRUE(testing::waitUntil([&] { return count.load() == kThreads * kEach + 1; }));
+  push->releaseDeferredCalls();
+  push->requestPushSdk(request(1));
+  ASSERT_TRUE(waitForRuns(1));
+  EXPECT_EQ(count.load(), kThreads * kEach + 1);
 }
 
 }  // namespace
