@@ -15,7 +15,7 @@ class VORN_API URLHandlingDelegate {
  public:
   virtual ~URLHandlingDelegate();
 
-  /// Opens `url`; `type` names what carried it ("action", "cloudpage", "openDirect", ...).
+  /// Opens `url`; `type` is the kind of link as the module names it.
   virtual void handleURL(const std::string& url, const std::string& type) = 0;
 };
 
