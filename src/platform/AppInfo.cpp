@@ -7,8 +7,8 @@
 namespace vorn {
 namespace {
 
-// Kept in step with the project version in the top-level CMakeLists.txt.
-constexpr const char* kSdkVersion = "0.1.0";
+// The project version, handed in by the build (src/CMakeLists.txt).
+constexpr const char* kSdkVersion = VORN_SDK_VERSION;
 
 }  // namespace
 
