@@ -130,6 +130,7 @@ TEST_F(ModuleInitializerTest, CancelledBeforeItRunsItNeverCallsTheFactory) {
   operation->cancel();
   operation->start();
   EXPECT_TRUE(operation->isFinished());
+  ASSERT_TRUE(done.wait());
   EXPECT_FALSE(entered.wait(std::chrono::milliseconds(0)));
 }
 
@@ -140,6 +141,7 @@ TEST_F(ModuleInitializerTest, AThrowingFactoryGivesNoModule) {
        }});
   operation->start();
   EXPECT_TRUE(operation->isFinished());
+  ASSERT_TRUE(done.wait());
   EXPECT_EQ(stores, 0);
   EXPECT_TRUE(
       sink->contains("Module `VORNSdkPushModule` threw while initializing. No module was kept."));
@@ -149,6 +151,8 @@ TEST_F(ModuleInitializerTest, AFreshQueueCancelsWhatTheOldOneHeld) {
   auto blocked = std::make_shared<BlockOperation>([this] { gate.wait(); });
   auto waiting = std::make_shared<BlockOperation>([] {});
   ModuleQueues::addOperation(blocked, ModuleName::push);
+  // Once `blocked` runs, `waiting` cannot start before the cancellation reaches it.
+  ASSERT_TRUE(testing::waitUntil([&] { return blocked->isExecuting(); }));
   ModuleQueues::addOperation(waiting, ModuleName::push);
   const auto oldQueue = ModuleQueues::queue(ModuleName::push);
 
@@ -162,6 +166,7 @@ TEST_F(ModuleInitializerTest, AFreshQueueCancelsWhatTheOldOneHeld) {
   ASSERT_TRUE(done.wait());  // the new queue does not wait for the old one's work
   EXPECT_EQ(stores, 1);
   gate.countDown();
+  EXPECT_TRUE(testing::waitUntil([&] { return blocked->isFinished(); }));
 }
 
 }  // namespace

@@ -139,6 +139,8 @@ TEST(ModuleQueues, AddCreatesTheQueueOnceAndRemoveCancels) {
   ModuleQueues::addOperation(first, ModuleName::push);
   const auto queue = ModuleQueues::queue(ModuleName::push);
   ASSERT_NE(queue, nullptr);
+  // Held at the gate, `first` keeps `second` waiting, so both are still there to cancel.
+  ASSERT_TRUE(waitUntil([&] { return first->isExecuting(); }));
   ModuleQueues::addOperation(second, ModuleName::push);
   EXPECT_EQ(ModuleQueues::queue(ModuleName::push), queue);
   EXPECT_EQ(ModuleQueues::pendingOperationCount(ModuleName::push), 2u);
