@@ -5,12 +5,13 @@
 
 #include <algorithm>
 
-#include "integration/IntegrationModules.hpp"
 #include "vorn/core/ConfigBuilder.hpp"
 #include "vorn/events/CustomEvent.hpp"
 #include "vorn/sdk/VORNSdk.hpp"
 #include "vorn/testing/CaptureLogSink.hpp"
+#include "vorn/testing/FakeCdpModule.hpp"
 #include "vorn/testing/FakeModuleConfig.hpp"
+#include "vorn/testing/FakePushModule.hpp"
 #include "vorn/testing/PlatformInstall.hpp"
 #include "vorn/testing/TimeScale.hpp"
 #include "vorn/testing/Wait.hpp"
@@ -18,19 +19,22 @@
 namespace vorn::integration {
 namespace {
 
-// Configurations are compared by their stored properties only.
-std::vector<ModuleConfig::Property> storedAppId(const std::string& appId) {
-  return {{"appId", Value(appId)}};
-}
-
+using testing::FakeCdpModule;
 using testing::FakeModule;
 using testing::FakeModuleConfig;
+using testing::FakePushModule;
 using ::testing::UnorderedElementsAre;
+
+// Configurations are compared by their stored properties only.
+std::shared_ptr<const ModuleConfig> moduleConfig(ModuleName name, const std::string& appId) {
+  return std::make_shared<FakeModuleConfig>(
+      name, appId, std::vector<ModuleConfig::Property>{{"appId", Value(appId)}});
+}
 
 Config bothModules(const std::string& appId) {
   return ConfigBuilder()
-      .setPush(std::make_shared<FakeModuleConfig>(ModuleName::push, appId, storedAppId(appId)))
-      .setCdp(std::make_shared<FakeModuleConfig>(ModuleName::cdp, appId, storedAppId(appId)))
+      .setPush(moduleConfig(ModuleName::push, appId))
+      .setCdp(moduleConfig(ModuleName::cdp, appId))
       .build();
 }
 
@@ -41,27 +45,37 @@ std::vector<std::string> eventNames(const FakeModule& module) {
   return names;
 }
 
+bool received(const FakeModule& module, const std::string& name, std::size_t times = 1) {
+  const auto names = eventNames(module);
+  return static_cast<std::size_t>(std::count(names.begin(), names.end(), name)) == times;
+}
+
 bool bothAre(ModuleStatus status) {
   return VORNSdk::mp()->getStatus() == status && VORNSdk::cdp()->getStatus() == status;
+}
+
+testing::FakeModuleSettings slowStart(testing::FakeModuleSettings settings) {
+  settings.initDelay = std::chrono::seconds(2);
+  return settings;
 }
 
 class SdkStartUpTest : public ::testing::Test {
  protected:
   SdkStartUpTest() {
     // Slow enough starts that the app's first events meet modules still initializing.
-    FakeModule::registerClass(ModuleName::push,
-                              {.version = "8.1.0", .initDelay = std::chrono::seconds(2)});
-    IdentifiedCdpModule::registerClass({.version = "2.0.2", .initDelay = std::chrono::seconds(2)});
+    FakePushModule::registerClass(slowStart(FakePushModule::defaultSettings()));
+    FakeCdpModule::registerClass(slowStart(FakeCdpModule::defaultSettings()));
   }
 
-  bool startAndTrackEarlyEvents(const std::string& appId) {
+  bool startAndTrackAnEarlyEvent(const std::string& appId) {
     VORNSdk::initializeSdk(bothModules(appId));
     if (!testing::waitUntil([] { return bothAre(ModuleStatus::initializing); }))
       return false;
     VORNSdk::track(CustomEvent::create("early-" + appId));
-    return testing::waitUntil([] { return bothAre(ModuleStatus::operational); }) &&
-           testing::waitUntil(
-               [] { return VORNSdk::initializationState() == InitializationState::READY; });
+    return testing::waitUntil([] {
+      return bothAre(ModuleStatus::operational) &&
+             VORNSdk::initializationState() == InitializationState::READY;
+    });
   }
 
   Platform platform = testing::installEphemeralPlatform();
@@ -70,9 +84,9 @@ class SdkStartUpTest : public ::testing::Test {
 };
 
 TEST_F(SdkStartUpTest, ModulesStartHearEventsAndIdentityAndAreReplacedAndTornDown) {
-  ASSERT_TRUE(startAndTrackEarlyEvents("APP1"));
-  const auto push = FakeModule::started(ModuleName::push).at(0);
-  const auto cdp = IdentifiedCdpModule::started().at(0);
+  ASSERT_TRUE(startAndTrackAnEarlyEvent("APP1"));
+  const auto push = FakePushModule::Class::started().at(0);
+  const auto cdp = FakeCdpModule::Class::started().at(0);
   VORNSdk::track(CustomEvent::create("later"));
   ASSERT_TRUE(push->waitForMessages(2));
   ASSERT_TRUE(cdp->waitForMessages(2));
@@ -80,46 +94,40 @@ TEST_F(SdkStartUpTest, ModulesStartHearEventsAndIdentityAndAreReplacedAndTornDow
   EXPECT_THAT(eventNames(*cdp), UnorderedElementsAre("early-APP1", "later"));
 
   VORNSdk::identity()->setProfileId("user-1");
-  ASSERT_TRUE(push->waitForMessages(3));
-  ASSERT_TRUE(cdp->waitForMessages(3));
   VORNSdk::identity()->setProfileId("cdp-user", {ModuleName::cdp});
+  ASSERT_TRUE(push->waitForMessages(3));
   ASSERT_TRUE(cdp->waitForMessages(4));
   EXPECT_EQ(VORNSdk::cdp()->getConsent(), Consent::optIn);
+  EXPECT_TRUE(VORNSdk::mp()->addTag("vip"));
 
   const auto state = nlohmann::json::parse(VORNSdk::state());
   EXPECT_EQ(state["modules"]["push"]["status"], "operational");
   EXPECT_EQ(state["modules"]["push"]["version"], "8.1.0");
-  EXPECT_EQ(state["modules"]["cdp"]["version"], "2.0.2");
+  EXPECT_EQ(state["modules"]["cdp"]["version"], "2.5.0");
   ASSERT_TRUE(state.contains("registrationId"));
 
   const auto identity = nlohmann::json::parse(VORNSdk::identity()->toJson());
   EXPECT_EQ(identity["platform"], platform.app.systemName);
   EXPECT_EQ(identity["registrationId"], state["registrationId"]);
-  EXPECT_EQ(identity["moduleIdentities"]["cdp"]["profileId"], "cdp-user");
-  EXPECT_EQ(identity["moduleIdentities"]["cdp"]["applicationId"], "APP1");
+  EXPECT_EQ(identity["moduleIdentities"]["cdp"]["profileId"], "fake-cdp-profile");
+  EXPECT_TRUE(identity["moduleIdentities"].contains("push"));
 
-  ASSERT_TRUE(startAndTrackEarlyEvents("APP2"));
+  ASSERT_TRUE(startAndTrackAnEarlyEvent("APP2"));
   EXPECT_EQ(push->tearDownCount(), 1);
   EXPECT_EQ(cdp->tearDownCount(), 1);
-  const auto newPush = FakeModule::started(ModuleName::push).at(1);
-  const auto newCdp = IdentifiedCdpModule::started().at(1);
-  // The torn-down cdp module left the bus, so its successor got the event buffered for it.
-  ASSERT_TRUE(testing::waitUntil([&] {
-    const auto names = eventNames(*newCdp);
-    return std::find(names.begin(), names.end(), "early-APP2") != names.end();
-  }));
-  const std::size_t oldCdpMessages = cdp->received().size();
+  const auto newPush = FakePushModule::Class::started().at(1);
+  const auto newCdp = FakeCdpModule::Class::started().at(1);
+  EXPECT_EQ(newCdp->config()->appId(), "APP2");
   VORNSdk::track(CustomEvent::create("after"));
-  ASSERT_TRUE(testing::waitUntil([&] {
-    const auto cdpNames = eventNames(*newCdp), pushNames = eventNames(*newPush);
-    return std::count(cdpNames.begin(), cdpNames.end(), "after") == 1 &&
-           std::count(pushNames.begin(), pushNames.end(), "after") == 1;
-  }));
-  EXPECT_EQ(cdp->received().size(), oldCdpMessages);
+  ASSERT_TRUE(testing::waitUntil(
+      [&] { return received(*newPush, "after") && received(*newCdp, "after"); }));
+  EXPECT_TRUE(received(*push, "after", 0));
+  EXPECT_TRUE(received(*cdp, "after", 0));
 
   VORNSdk::tearDownModule(ModuleName::push);
   VORNSdk::tearDownModule(ModuleName::cdp);
   EXPECT_TRUE(bothAre(ModuleStatus::inactive));
+  EXPECT_EQ(newPush->tearDownCount(), 1);
   EXPECT_EQ(newCdp->tearDownCount(), 1);
   EXPECT_FALSE(nlohmann::json::parse(VORNSdk::identity()->toJson()).contains("moduleIdentities"));
   EXPECT_EQ(nlohmann::json::parse(VORNSdk::state())["modules"]["cdp"]["status"], "inactive");

@@ -6,11 +6,12 @@
 #include <thread>
 #include <vector>
 
-#include "integration/IntegrationModules.hpp"
 #include "vorn/core/ConfigBuilder.hpp"
 #include "vorn/events/CustomEvent.hpp"
 #include "vorn/sdk/VORNSdk.hpp"
+#include "vorn/testing/FakeCdpModule.hpp"
 #include "vorn/testing/FakeModuleConfig.hpp"
+#include "vorn/testing/FakePushModule.hpp"
 #include "vorn/testing/PlatformInstall.hpp"
 #include "vorn/testing/TimeScale.hpp"
 #include "vorn/testing/Wait.hpp"
@@ -23,7 +24,6 @@ std::vector<ModuleConfig::Property> storedAppId(const std::string& appId) {
   return {{"appId", Value(appId)}};
 }
 
-using testing::FakeModule;
 using testing::FakeModuleConfig;
 
 constexpr const char* kTimedOut = "Module initialization timeout exceeded";
@@ -75,8 +75,8 @@ TEST(TeardownUnderLoad, RestartsAndTeardownsWhileEightThreadsUseTheSdk) {
   testing::ScopedTimeScale fast{0.02};  // a start-up that loses a module gives up in 100 ms
   const auto sink = std::make_shared<CountingSink>();
   VORNSdk::setLogger(LogLevel::debug, sink);
-  FakeModule::registerClass(ModuleName::push, {.version = "8.1.0"});
-  IdentifiedCdpModule::registerClass();
+  testing::FakePushModule::registerClass();
+  testing::FakeCdpModule::registerClass();
   const Config configs[] = {configuration("APP1"), configuration("APP2")};
 
   std::atomic<bool> stop{false};
@@ -105,7 +105,7 @@ TEST(TeardownUnderLoad, RestartsAndTeardownsWhileEightThreadsUseTheSdk) {
   VORNSdk::tearDownModule(ModuleName::push);
   VORNSdk::tearDownModule(ModuleName::cdp);
   EXPECT_GT(sink->lines.load(), 0);
-  EXPECT_GT(FakeModule::started(ModuleName::push).size(), 0u);
+  EXPECT_GT(testing::FakePushModule::Class::started().size(), 0u);
 }
 
 }  // namespace
