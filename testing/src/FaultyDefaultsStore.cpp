@@ -5,10 +5,11 @@ namespace vorn::testing {
 FaultyDefaultsStore::FaultyDefaultsStore(std::shared_ptr<DefaultsStore> inner)
     : inner_(std::move(inner)) {}
 
-void FaultyDefaultsStore::failNextReads(int times, std::optional<std::string> key) {
+void FaultyDefaultsStore::failNextReads(int times, std::optional<std::string> key, int skip) {
   std::lock_guard lock(mutex_);
   failingReads_ = times;
   failingReadKey_ = std::move(key);
+  readsToSkip_ = skip;
 }
 
 bool FaultyDefaultsStore::readFails(std::string_view key) {
@@ -18,6 +19,10 @@ bool FaultyDefaultsStore::readFails(std::string_view key) {
   std::lock_guard lock(mutex_);
   if (failingReads_ == 0 || (failingReadKey_ && *failingReadKey_ != key))
     return false;
+  if (readsToSkip_ > 0) {
+    --readsToSkip_;
+    return false;
+  }
   --failingReads_;
   return true;
 }

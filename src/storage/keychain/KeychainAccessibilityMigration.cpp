@@ -1,7 +1,5 @@
-#include "storage/keychain/KeychainWriteLock.hpp"
 #include "vorn/logging/Log.hpp"
-#include "vorn/platform/Platform.hpp"
-#include "vorn/storage/keychain/VORNCrypto.hpp"
+#include "vorn/storage/keychain/KeychainAccess.hpp"
 #include "vorn/storage/keychain/VORNKeychainItemWrapper.hpp"
 
 namespace vorn {
@@ -50,10 +48,7 @@ std::optional<bool> migrateService(KeychainStore& store, const std::string& serv
   return std::nullopt;
 }
 
-}  // namespace
-
-std::vector<std::string> VORNKeychainItemWrapper::keychainServiceList() {
-  const std::string base = VORNCrypto::baseAppIdentifier();
+std::vector<std::string> servicesNamedWith(const std::string& base) {
   return {
       "com.quorvantis.security.baseappid.sim",
       "com.quorvantis.keystore.generatedKeystoreEncryptionKeyId_" + base,
@@ -62,14 +57,43 @@ std::vector<std::string> VORNKeychainItemWrapper::keychainServiceList() {
   };
 }
 
+}  // namespace
+
+std::optional<std::vector<std::string>> KeychainAccess::namedServices() const {
+  auto base = baseAppIdentifier_->identifier();
+  if (!base.isFound())
+    return std::nullopt;
+  return servicesNamedWith(base.value());
+}
+
+std::vector<std::string> KeychainAccess::keychainServiceList() const {
+  return namedServices().value_or(servicesNamedWith(""));
+}
+
+bool KeychainAccess::updateKeychainAccessibleAttribute(std::string_view accessible) const {
+  // Without the identifier the key store's items cannot be named; skipping them would mark
+  // the migration done with those items never moved.
+  const auto services = namedServices();
+  if (!services)
+    return false;
+  bool result = true;
+  const OSStatus section = items_->exclusively([&] {
+    for (const std::string& service : *services) {
+      if (const auto stop = migrateService(*items_->store(), service, accessible)) {
+        result = *stop;
+        return;
+      }
+    }
+  });
+  return section == errSecSuccess && result;
+}
+
+std::vector<std::string> VORNKeychainItemWrapper::keychainServiceList() {
+  return KeychainAccess::shared()->keychainServiceList();
+}
+
 bool VORNKeychainItemWrapper::updateKeychainAccessibleAttribute(std::string_view accessible) {
-  const auto store = Platform::current()->keychain;
-  std::lock_guard lock(detail::keychainWriteLock());
-  for (const std::string& service : keychainServiceList()) {
-    if (const auto result = migrateService(*store, service, accessible))
-      return *result;
-  }
-  return true;
+  return KeychainAccess::shared()->updateKeychainAccessibleAttribute(accessible);
 }
 
 }  // namespace vorn

@@ -48,12 +48,16 @@ Json encodeEncryptionKey(const VORNEncryptionKey& key) {
 }
 
 // A secure key is looked up (never made) from its label: an archive must not create keys.
-std::shared_ptr<VORNEncryptionKey> decodeEncryptionKey(const Json& object) {
+std::shared_ptr<VORNEncryptionKey> decodeEncryptionKey(const Json& object, KeychainStore& store,
+                                                       OSStatus& lookupStatus) {
   if (hasClass(object, "VORNSecureEncryptionKey")) {
     const Json* label = member(object, kSecureEncryptionKeyLabelArchiveKey);
     if (!label || !label->is_string())
       return nullptr;
-    return VORNSecureEncryptionKey::create(label->get_ref<const std::string&>(), false);
+    auto found = VORNSecureEncryptionKey::find(store, label->get_ref<const std::string&>());
+    if (found.isError())
+      lookupStatus = found.status();
+    return std::move(found).valueIfFound().value_or(nullptr);
   }
   const Bytes* key = binaryMember(object, kEncryptionKeyDataArchiveKey);
   const Bytes* iv = binaryMember(object, kEncryptionKeyIVArchiveKey);
@@ -69,11 +73,12 @@ Json encodeKeyStoreKey(const VORNKeyStoreKey& key) {
   return object;
 }
 
-std::shared_ptr<VORNKeyStoreKey> decodeKeyStoreKey(const Json& object) {
+std::shared_ptr<VORNKeyStoreKey> decodeKeyStoreKey(const Json& object, KeychainStore& store,
+                                                   OSStatus& lookupStatus) {
   const Json* inner = member(object, kKeyStoreKeyDataArchiveKey);
   if (!hasClass(object, "VORNKeyStoreKey") || !inner)
     return nullptr;
-  auto encryptionKey = decodeEncryptionKey(*inner);
+  auto encryptionKey = decodeEncryptionKey(*inner, store, lookupStatus);
   return encryptionKey ? std::make_shared<VORNKeyStoreKey>(std::move(encryptionKey)) : nullptr;
 }
 
@@ -112,11 +117,12 @@ Bytes archiveKeyStoreKey(const VORNKeyStoreKey& key, std::string_view archiveKey
 }
 
 Unarchived<std::shared_ptr<VORNKeyStoreKey>> unarchiveKeyStoreKey(ByteView data,
-                                                                  std::string_view archiveKey) {
+                                                                  std::string_view archiveKey,
+                                                                  KeychainStore& store) {
   Unarchived<std::shared_ptr<VORNKeyStoreKey>> result;
   Json root;
   if (const Json* object = open(data, archiveKey, root, result))
-    result.object = decodeKeyStoreKey(*object);
+    result.object = decodeKeyStoreKey(*object, store, result.lookupStatus);
   return result;
 }
 
@@ -131,7 +137,8 @@ Bytes archiveDictionary(const KeyStoreDictionary& dictionary, std::string_view a
 }
 
 Unarchived<std::optional<KeyStoreDictionary>> unarchiveDictionary(ByteView data,
-                                                                  std::string_view archiveKey) {
+                                                                  std::string_view archiveKey,
+                                                                  KeychainStore& store) {
   Unarchived<std::optional<KeyStoreDictionary>> result;
   Json root;
   const Json* object = open(data, archiveKey, root, result);
@@ -140,7 +147,7 @@ Unarchived<std::optional<KeyStoreDictionary>> unarchiveDictionary(ByteView data,
     return result;
   KeyStoreDictionary dictionary;
   for (const auto& [label, value] : objects->items()) {
-    auto key = decodeKeyStoreKey(value);
+    auto key = decodeKeyStoreKey(value, store, result.lookupStatus);
     if (!key)
       return result;
     dictionary.emplace(label, std::move(key));

@@ -4,16 +4,19 @@
 
 namespace vorn {
 
-std::optional<Bytes> readItemValue(std::string_view service) {
-  return VORNKeychainItemWrapper::itemWithIdentifier(service)->valueData();
+ReadResult<Bytes> readItemValue(KeychainItems& items, std::string_view service) {
+  auto item = items.readItem(service);
+  if (item.isError())
+    return ReadResult<Bytes>::error(item.status());
+  return item.value()->readValueData();
 }
 
-OSStatus writeItemValue(std::string_view service, const Bytes& value) {
-  return VORNKeychainItemWrapper::itemWithIdentifier(service)->setValueData(value);
+OSStatus writeItemValue(KeychainItems& items, std::string_view service, const Bytes& value) {
+  return items.item(service)->setValueData(value);
 }
 
-bool deleteItem(std::string_view service) {
-  return VORNKeychainItemWrapper::itemWithIdentifier(service)->resetKeychainItem();
+bool deleteItem(KeychainItems& items, std::string_view service) {
+  return items.item(service)->resetKeychainItem();
 }
 
 }  // namespace vorn

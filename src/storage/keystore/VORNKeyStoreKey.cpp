@@ -16,35 +16,69 @@ std::shared_ptr<VORNKeyStoreKey> VORNKeyStoreKey::createKey() {
 
 std::shared_ptr<VORNKeyStoreKey> VORNKeyStoreKey::fromKeyChain(std::string_view identifier,
                                                                std::string_view archiverKey) {
-  const auto data = readItemValue(identifier);
-  if (!data)
-    return nullptr;
-  auto unarchived = unarchiveKeyStoreKey(*data, archiverKey);
+  return readFromKeyChain(*KeychainItems::shared(), identifier, archiverKey)
+      .valueIfFound()
+      .value_or(nullptr);
+}
+
+ReadResult<std::shared_ptr<VORNKeyStoreKey>> VORNKeyStoreKey::readFromKeyChain(
+    KeychainItems& items, std::string_view identifier, std::string_view archiverKey) {
+  using Result = ReadResult<std::shared_ptr<VORNKeyStoreKey>>;
+  const auto data = readItemValue(items, identifier);
+  if (!data.isFound())
+    return data.isError() ? Result::error(data.status()) : Result::absent();
+  auto unarchived = unarchiveKeyStoreKey(data.value(), archiverKey, *items.store());
   if (!unarchived.opened) {
     VORN_LOG_ERROR(LoggerCategory::encryption,
                    "Failed to init unarchiver for key store key data: " + unarchived.reason + ".");
   }
-  return std::move(unarchived.object);
+  if (unarchived.lookupStatus != errSecSuccess)
+    return Result::error(unarchived.lookupStatus);
+  return unarchived.object ? Result::found(std::move(unarchived.object)) : Result::absent();
 }
 
 std::int32_t VORNKeyStoreKey::toKeyChain(std::string_view identifier,
                                          std::string_view archiverKey) const {
-  return writeItemValue(identifier, archiveKeyStoreKey(*this, archiverKey));
+  return toKeyChain(*KeychainItems::shared(), identifier, archiverKey);
+}
+
+std::int32_t VORNKeyStoreKey::toKeyChain(KeychainItems& items, std::string_view identifier,
+                                         std::string_view archiverKey) const {
+  return writeItemValue(items, identifier, archiveKeyStoreKey(*this, archiverKey));
 }
 
 std::int32_t VORNKeyStoreKey::dataToKeyChain(std::string_view identifier,
                                              std::string_view archiverKey, ByteView value) {
-  return writeItemValue(identifier, archiveData(value, archiverKey));
+  return dataToKeyChain(*KeychainItems::shared(), identifier, archiverKey, value);
+}
+
+std::int32_t VORNKeyStoreKey::dataToKeyChain(KeychainItems& items, std::string_view identifier,
+                                             std::string_view archiverKey, ByteView value) {
+  return writeItemValue(items, identifier, archiveData(value, archiverKey));
 }
 
 std::optional<Bytes> VORNKeyStoreKey::dataFromKeyChain(std::string_view identifier,
                                                        std::string_view archiverKey) {
-  const auto data = readItemValue(identifier);
-  return data ? unarchiveData(*data, archiverKey).object : std::nullopt;
+  return readDataFromKeyChain(*KeychainItems::shared(), identifier, archiverKey).valueIfFound();
+}
+
+ReadResult<Bytes> VORNKeyStoreKey::readDataFromKeyChain(KeychainItems& items,
+                                                        std::string_view identifier,
+                                                        std::string_view archiverKey) {
+  const auto data = readItemValue(items, identifier);
+  if (!data.isFound())
+    return data;
+  auto unarchived = unarchiveData(data.value(), archiverKey).object;
+  return unarchived ? ReadResult<Bytes>::found(std::move(*unarchived))
+                    : ReadResult<Bytes>::absent();
 }
 
 bool VORNKeyStoreKey::removeKeyChainItem(std::string_view identifier) {
-  return deleteItem(identifier);
+  return removeKeyChainItem(*KeychainItems::shared(), identifier);
+}
+
+bool VORNKeyStoreKey::removeKeyChainItem(KeychainItems& items, std::string_view identifier) {
+  return deleteItem(items, identifier);
 }
 
 std::optional<Bytes> VORNKeyStoreKey::encryptData(ByteView data) const {

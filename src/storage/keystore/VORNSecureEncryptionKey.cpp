@@ -1,8 +1,10 @@
 #include "vorn/storage/keystore/VORNSecureEncryptionKey.hpp"
 
+#include "storage/keystore/SecureKeyPair.hpp"
 #include "vorn/logging/Log.hpp"
 #include "vorn/platform/KeychainItem.hpp"
 #include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
+#include "vorn/storage/keychain/KeychainItems.hpp"
 
 namespace vorn {
 namespace {
@@ -16,46 +18,78 @@ const Bytes& unsupported(std::string_view operation) {
   return kNone;
 }
 
+KeychainStore& sharedStore() {
+  return *KeychainItems::shared()->store();
+}
+
 }  // namespace
 
 VORNSecureEncryptionKey::VORNSecureEncryptionKey(std::string label) : label_(std::move(label)) {}
 
-std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::create(std::string_view label,
+VORNSecureEncryptionKey::VORNSecureEncryptionKey(std::string label, KeyRef publicKey,
+                                                 KeyRef privateKey)
+    : label_(std::move(label)),
+      publicKey_(std::move(publicKey)),
+      privateKey_(std::move(privateKey)) {}
+
+ReadResult<std::shared_ptr<VORNSecureEncryptionKey>> VORNSecureEncryptionKey::find(
+    KeychainStore& store, std::string_view label) {
+  return findSecureKeyPair(store, label).map([&](SecureKeyPair pair) {
+    return std::make_shared<VORNSecureEncryptionKey>(std::string(label), std::move(pair.publicKey),
+                                                     std::move(pair.privateKey));
+  });
+}
+
+std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::create(KeychainStore& store,
+                                                                         std::string_view label,
                                                                          bool autoCreate) {
-  auto key = std::make_shared<VORNSecureEncryptionKey>(std::string(label));
-  if (key->getKeyRefs())
-    return key;
-  if (!autoCreate)
+  auto found = find(store, label);
+  if (found.isFound())
+    return std::move(found).value();
+  if (found.isError() || !autoCreate)
     return nullptr;
   const bool enclave = VORNSDKCryptoUtils::isSecureEnclaveAvailable();
-  VORNSDKCryptoUtils::createECKeyPairWithName(
-      label, kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly, enclave);
-  if (!key->getKeyRefs())
+  createSecureKeyPair(store, label, kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly);
+  auto made = find(store, label).valueIfFound();
+  if (!made)
     return nullptr;
   VORN_LOG_DEBUG(LoggerCategory::encryption, std::string("Creating secure key ") +
                                                  (enclave ? "" : "NOT ") + "using secure enclave");
-  return key;
+  return std::move(*made);
+}
+
+std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::create(std::string_view label,
+                                                                         bool autoCreate) {
+  return create(sharedStore(), label, autoCreate);
+}
+
+std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::createKey(
+    KeychainStore& store, std::string_view label) {
+  deleteKey(store, label);
+  return create(store, label, true);
 }
 
 std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::createKey(
     std::string_view label) {
-  deleteKey(label);
-  return create(label, true);
+  return createKey(sharedStore(), label);
+}
+
+std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::retrieveKey(
+    KeychainStore& store, std::string_view label) {
+  return create(store, label, false);
 }
 
 std::shared_ptr<VORNSecureEncryptionKey> VORNSecureEncryptionKey::retrieveKey(
     std::string_view label) {
-  return create(label, false);
+  return retrieveKey(sharedStore(), label);
+}
+
+void VORNSecureEncryptionKey::deleteKey(KeychainStore& store, std::string_view label) {
+  deleteSecureKeyPair(store, label);
 }
 
 void VORNSecureEncryptionKey::deleteKey(std::string_view label) {
-  VORNSDKCryptoUtils::deleteECKeyPairWithName(label);
-}
-
-bool VORNSecureEncryptionKey::getKeyRefs() {
-  publicKey_ = VORNSDKCryptoUtils::getECPublicKeyRefWithName(label_);
-  privateKey_ = VORNSDKCryptoUtils::getECPrivateKeyRefWithName(label_);
-  return publicKey_ && privateKey_;
+  deleteKey(sharedStore(), label);
 }
 
 const Bytes& VORNSecureEncryptionKey::key() const {

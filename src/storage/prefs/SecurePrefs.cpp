@@ -33,9 +33,18 @@ SecurePrefs::SecurePrefs(std::string suiteName,
                   std::move(encryptionManager)) {}
 
 SecurePrefs::SecurePrefs(DefaultsSuite suite, std::shared_ptr<EncryptionManager> encryptionManager)
-    : suite_(std::move(suite)), encryptionManager_(std::move(encryptionManager)) {}
+    : suite_(std::move(suite)), encryptionManager_(std::move(encryptionManager)) {
+  if (!encryptionManager_) {
+    VORN_LOG_ERROR(LoggerCategory::storage,
+                   "SecurePrefs of suite " + suiteName() +
+                       " was given no encryption manager; nothing will be stored or read.");
+  }
+}
 
 std::optional<std::string> SecurePrefs::storedKey(std::string_view key) const {
+  if (!encryptionManager_) {
+    return std::nullopt;
+  }
   const std::optional<Bytes> encrypted = encryptionManager_->encrypt(key);
   if (!encrypted) {
     return std::nullopt;
@@ -80,19 +89,26 @@ bool SecurePrefs::setDouble(double value, std::string_view key) {
 }
 
 std::optional<std::string> SecurePrefs::stringFor(std::string_view key) const {
+  return readString(key).valueIfFound();
+}
+
+ReadResult<std::string> SecurePrefs::readString(std::string_view key) const {
   const std::optional<std::string> stored = storedKey(key);
   if (!stored) {
     VORN_LOG_DEBUG(LoggerCategory::storage, notReEncryptedText(key));
-    return std::nullopt;
+    return ReadResult<std::string>::error(errSecNotAvailable);
   }
   if (!isLive()) {
-    return std::nullopt;
+    return ReadResult<std::string>::absent();
   }
-  const std::optional<DefaultsData> data = suite_.dataFor(*stored);
-  if (!data) {
-    return std::nullopt;
+  const ReadResult<DefaultsValue> value = suite_.read(*stored);
+  if (value.isError()) {
+    return ReadResult<std::string>::error(value.status());
   }
-  return encryptionManager_->decrypt(*data);
+  const auto* data = value.isFound() ? std::get_if<DefaultsData>(&value.value()) : nullptr;
+  std::optional<std::string> text = data ? encryptionManager_->decrypt(*data) : std::nullopt;
+  return text ? ReadResult<std::string>::found(std::move(*text))
+              : ReadResult<std::string>::absent();
 }
 
 std::optional<std::int64_t> SecurePrefs::intFor(std::string_view key) const {

@@ -5,6 +5,9 @@
 // up to durations::kKeyStoreProbeAttempts write-then-read probes, durations::
 // kKeyStoreProbeInterval apart (scaled in tests), so its worst case is about five seconds.
 // The probes and the migration log in category sdk.
+//
+// Ownership: the class operations forward to KeychainAccess::shared(), which holds the current
+// Platform's stores; code that has its own stores uses a KeychainAccess made on them.
 #pragma once
 
 #include <string_view>

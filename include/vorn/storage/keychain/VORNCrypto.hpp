@@ -1,14 +1,18 @@
-// The base application identifier: a random upper-case UUID text made once per installation
-// and appended to the names of the SDK's keychain items, so that a reinstalled application
-// starts with fresh keys.
+// VORNCrypto's class operations on the base application identifier: a random upper-case UUID
+// text made once per installation and appended to the names of the SDK's keychain items, so
+// that a reinstalled application starts with fresh keys.
 //
 // baseAppIdentifier() is the user-defaults variant ("com.quorvantis.security.baseappid.sim" in
-// the standard suite of Platform's defaults store); deviceBaseAppIdentifier() keeps it in the
-// keychain item "com.quorvantis.security.baseappid" instead. The two flags are process-wide;
-// the configured flag starts out true when an identifier is already stored.
+// the standard suite); deviceBaseAppIdentifier() keeps it in the keychain item
+// "com.quorvantis.security.baseappid" instead. baseAppIdentifier() answers "" while the stored
+// identifier cannot be read, and then makes none.
 //
-// Thread safety: each call is safe on its own, but making a new identifier is not locked
-// against a concurrent maker; callers that may race (the key store) call under their own lock.
+// Ownership: every operation forwards to BaseAppIdentifier::shared(), the instance on the
+// current Platform's stores, which keeps the flags and the identifier.
+//
+// Thread safety: every operation may be called from any thread; a new identifier is made
+// under the key store's exclusive section, so concurrent makers (in this process or another)
+// agree on one.
 #pragma once
 
 #include <string>

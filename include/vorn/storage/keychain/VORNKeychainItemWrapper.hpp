@@ -2,10 +2,13 @@
 // optional account), with an in-memory copy of its attributes and value that is written
 // through on every change.
 //
-// Items are shared: itemWithIdentifier() hands out one object per cache key for the life of
-// the process, until resetInMemoryKeychainItems(). An object reads the key store once, when
-// it is made; afterwards its copy is the truth for reads, and changes made by anybody else
-// are not seen until the cache is reset. Every item is written with the accessibility
+// Items are shared: itemWithIdentifier() hands out one object per cache key, through the
+// KeychainItems of the current Platform (KeychainItems::shared()), until
+// resetInMemoryKeychainItems(). An object reads the key store when it is made; afterwards its
+// copy is the truth for reads, and changes made by anybody else are not seen until the cache
+// is reset or the object is reloaded. A read that fails is not taken for a missing item: the
+// failure is logged, the copy holds only the item's name meanwhile, and the next use reads
+// the store again. Every item is written with the accessibility
 // kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly.
 //
 // Failures are never thrown: they are logged ("com.quorvantis.security.keychainException -
@@ -13,16 +16,18 @@
 // answer nothing. A failed write keeps the previous in-memory value where there was one, but
 // a value that had none before stays in memory although it was not stored.
 //
-// The key store used is Platform::current()'s keychain at the time of each call.
+// Ownership: an object holds the KeychainStore it was made on (the shared ones: the current
+// Platform's keychain at the time they were made).
 //
-// Thread safety: all functions may be called from any thread. The cache is guarded by its own
-// lock, so two threads asking for the same item get the same object. Reads and changes of one
-// object are serialised on that object (re-entrant); writeToKeychain() and resetKeychainItem()
-// also take one class-wide re-entrant lock, so no two key store writes of this class overlap.
-// checkForProtectedData() blocks until the Platform's main queue has run its question; it
-// must not be called while the main queue waits for the caller.
+// Thread safety: all functions may be called from any thread. Reads and changes of one object
+// are serialised on that object (re-entrant); every change runs in an exclusive section of
+// the key store (KeychainStore::exclusively), taken before the object's lock, so no two key
+// store writes overlap, in this process or another one. checkForProtectedData() blocks until
+// the Platform's main queue has run its question; it must not be called while the main queue
+// waits for the caller.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -33,6 +38,8 @@
 #include "vorn/base/Export.hpp"
 #include "vorn/platform/KeychainItem.hpp"
 #include "vorn/platform/KeychainStatus.hpp"
+#include "vorn/platform/KeychainStore.hpp"
+#include "vorn/platform/ReadResult.hpp"
 
 namespace vorn {
 
@@ -64,8 +71,12 @@ class VORN_API VORNKeychainItemWrapper {
   /// The SDK's own services, in the order the migration and the read probe visit them.
   static std::vector<std::string> keychainServiceList();
 
-  /// Builds the search query and reads the item (initWithIdentifier:account:).
+  /// Builds the search query and reads the item (initWithIdentifier:account:) from the current
+  /// Platform's keychain.
   VORNKeychainItemWrapper(std::string_view identifier, std::optional<std::string_view> account);
+  /// The same on `store`.
+  VORNKeychainItemWrapper(std::shared_ptr<KeychainStore> store, std::string_view identifier,
+                          std::optional<std::string_view> account);
 
   VORNKeychainItemWrapper(const VORNKeychainItemWrapper&) = delete;
   VORNKeychainItemWrapper& operator=(const VORNKeychainItemWrapper&) = delete;
@@ -78,6 +89,11 @@ class VORN_API VORNKeychainItemWrapper {
 
   /// The item as stored, or only its service (and account) when it cannot be read.
   KeychainDictionary dictionaryItemFromKeychain() const;
+  /// Reads the item from the store again and makes it the in-memory copy, unless the read
+  /// fails (the copy then stays, and the next use reads again). The read's status.
+  OSStatus reload() const;
+  /// How the last read went: errSecSuccess (found), errSecItemNotFound, or the error.
+  OSStatus readStatus() const;
 
   std::optional<KeychainValue> objectForKey(std::string_view key) const;
   /// Text as it is, bytes decoded as UTF-8 (nothing when they are not valid UTF-8).
@@ -88,6 +104,8 @@ class VORN_API VORNKeychainItemWrapper {
 
   /// The value as bytes (text values as their UTF-8 bytes).
   std::optional<KeychainData> valueData() const;
+  /// valueData(), with an item that could not be read told apart from one without a value.
+  ReadResult<KeychainData> readValueData() const;
   OSStatus setValueData(std::optional<KeychainData> data);
   std::optional<std::string> valueString() const;
   OSStatus setValueString(std::optional<std::string_view> value);
@@ -101,9 +119,23 @@ class VORN_API VORNKeychainItemWrapper {
   OSStatus writeToKeychain();
 
  private:
+  ReadResult<KeychainDictionary> readFromStore() const;
+  KeychainDictionary placeholder() const;
+  // Takes a read as the copy unless a change came in since `changes` was seen.
+  void adopt(ReadResult<KeychainDictionary> read, std::uint64_t changes) const;
+  void reloadIfUnread() const;
+  // Whether the copy holds `value` under `key` already (logged as such), so nothing is written.
+  bool holds(const KeychainValue& value, std::string_view key) const;
+  OSStatus setObjectInSection(std::optional<KeychainValue> value, std::string_view key);
+  OSStatus writeInSection();
+
+  const std::shared_ptr<KeychainStore> store_;
   KeychainQuery keychainQuery_;
   mutable std::recursive_mutex mutex_;
-  KeychainDictionary keychainData_;  // guarded by mutex_
+  // The in-memory copy is a cache of the store, so readers may refresh it.
+  mutable KeychainDictionary keychainData_;          // guarded by mutex_
+  mutable OSStatus lastReadStatus_ = errSecSuccess;  // guarded by mutex_
+  mutable std::uint64_t changes_ = 0;                // guarded by mutex_
 };
 
 }  // namespace vorn

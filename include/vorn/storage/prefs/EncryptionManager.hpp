@@ -8,13 +8,17 @@
 // preferences find an entry by its encrypted key.
 //
 // Every failure (no key, text that is not UTF-8, bytes that do not decrypt or are not
-// UTF-16) gives no value; the causes are logged by the key layer below.
+// UTF-16) gives no value; the causes are logged by the key layer below. A module's manager
+// whose key store could not be read at construction asks it again on each later call, until
+// it has the key.
 //
 // Ownership: held by std::shared_ptr and shared by the module's StorageManager and
-// SecurePrefs. Thread safety: immutable after construction; use from any thread.
+// SecurePrefs; a module's manager holds the key store manager it asks (the shared one unless
+// given). Thread safety: use from any thread; the key, once had, never changes.
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,23 +27,28 @@
 #include "vorn/base/Export.hpp"
 #include "vorn/base/ModuleName.hpp"
 #include "vorn/storage/crypto/VORNEncryptionKey.hpp"
+#include "vorn/storage/keystore/VORNKeyStoreManager.hpp"
 
 namespace vorn {
 
 class VORN_API EncryptionManager {
  public:
-  /// Binds to the module's key, creating it in the key store when it does not exist yet.
+  /// Binds to the module's key, creating it in the shared key store when it does not exist
+  /// yet.
   explicit EncryptionManager(ModuleName module);
+  /// The same with the given key store.
+  EncryptionManager(ModuleName module, std::shared_ptr<VORNKeyStoreManager> keyStore);
   /// Binds to a key the caller already has; a null key makes every call give no value.
   explicit EncryptionManager(std::shared_ptr<const VORNEncryptionKey> key);
 
   EncryptionManager(const EncryptionManager&) = delete;
   EncryptionManager& operator=(const EncryptionManager&) = delete;
 
-  /// The module's key; null when the key store could not give one.
-  const std::shared_ptr<const VORNEncryptionKey>& encryptionKey() const noexcept {
-    return encryptionKey_;
-  }
+  /// The module's key; null when the key store could not give one (yet).
+  std::shared_ptr<const VORNEncryptionKey> encryptionKey() const;
+  /// Whether this manager will never have a key: it was given none, and has no module key to
+  /// ask for. Nothing it encrypts can be stored, so nothing stored can be lost either.
+  bool isKeyless() const;
 
   /// encrypt(string:): the ciphertext of the text's unicode bytes.
   std::optional<Bytes> encrypt(std::string_view string) const;
@@ -47,7 +56,10 @@ class VORN_API EncryptionManager {
   std::optional<std::string> decrypt(ByteView stringData) const;
 
  private:
-  const std::shared_ptr<const VORNEncryptionKey> encryptionKey_;
+  const std::optional<ModuleName> module_;
+  const std::shared_ptr<VORNKeyStoreManager> keyStore_;
+  mutable std::mutex mutex_;
+  mutable std::shared_ptr<const VORNEncryptionKey> encryptionKey_;  // guarded by mutex_
 };
 
 }  // namespace vorn

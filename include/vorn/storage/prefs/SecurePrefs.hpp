@@ -10,6 +10,10 @@
 // store nothing, getters give no value. A new instance for the same name works again.
 //
 // Every failure is a "storage" debug log line plus no value (or false); nothing is thrown.
+// readString() also tells a value that could not be read (the key cannot be encrypted, or the
+// store not read) from one that is not there, for callers that would otherwise make a new one.
+// Without an EncryptionManager (null) the instance logs an error once and then behaves as one
+// whose keys cannot be encrypted: it stores nothing and reads nothing.
 //
 // Ownership: held by std::shared_ptr; shares the module's EncryptionManager and keeps its
 // defaults store alive. Thread safety: every call may come from any thread; the defaults
@@ -25,13 +29,15 @@
 
 #include "vorn/base/Export.hpp"
 #include "vorn/platform/DefaultsStore.hpp"
+#include "vorn/platform/ReadResult.hpp"
 #include "vorn/storage/prefs/EncryptionManager.hpp"
 
 namespace vorn {
 
 class VORN_API SecurePrefs {
  public:
-  /// Opens the suite `suiteName` of the current Platform's defaults store.
+  /// Opens the suite `suiteName` of the current Platform's defaults store (the store is taken
+  /// from the Platform here, once).
   SecurePrefs(std::string suiteName, std::shared_ptr<EncryptionManager> encryptionManager);
   /// Opens the given suite.
   SecurePrefs(DefaultsSuite suite, std::shared_ptr<EncryptionManager> encryptionManager);
@@ -54,6 +60,9 @@ class VORN_API SecurePrefs {
   bool setDouble(double value, std::string_view key);
 
   std::optional<std::string> stringFor(std::string_view key) const;
+  /// stringFor(), with a failed read (an error) told apart from an absent entry. An entry
+  /// that does not decrypt reads as absent: it never will.
+  ReadResult<std::string> readString(std::string_view key) const;
   /// A base-10 integer with an optional sign; anything else gives no value.
   std::optional<std::int64_t> intFor(std::string_view key) const;
   /// Exactly "true" or "false"; anything else gives no value.

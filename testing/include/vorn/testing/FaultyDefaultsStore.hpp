@@ -24,8 +24,9 @@ class FaultyDefaultsStore : public DefaultsStore {
   /// Every read fails, as with an unreadable file: read() answers an error with status
   /// kReadFailure, object() and the typed readers answer nothing.
   void setFailReads(bool fail) noexcept { failReads_ = fail; }
-  /// The next `times` reads (of `key` only, when given) fail the same way.
-  void failNextReads(int times, std::optional<std::string> key = std::nullopt);
+  /// The next `times` reads (of `key` only, when given) fail the same way, after `skip` such
+  /// reads went through.
+  void failNextReads(int times, std::optional<std::string> key = std::nullopt, int skip = 0);
   /// Reads so far, failed or not.
   int reads() const noexcept { return reads_; }
 
@@ -51,6 +52,7 @@ class FaultyDefaultsStore : public DefaultsStore {
   std::atomic<int> reads_{0};
   std::mutex mutex_;
   int failingReads_ = 0;                       // guarded by mutex_
+  int readsToSkip_ = 0;                        // guarded by mutex_
   std::optional<std::string> failingReadKey_;  // guarded by mutex_
 };
 
