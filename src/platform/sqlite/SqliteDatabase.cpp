@@ -1,14 +1,30 @@
 #include "platform/sqlite/SqliteDatabase.hpp"
 
+#include <chrono>
+
 #include "platform/FileModes.hpp"
+#include "platform/sqlite/WalCheck.hpp"
 #include "vorn/logging/Log.hpp"
+#include "vorn/runtime/Durations.hpp"
 
 namespace vorn::platform {
 namespace {
 
-void logFailure(const std::filesystem::path& file, std::string_view what) {
-  VORN_LOG_FAULT(LoggerCategory::database,
-                 "Cannot open the store " + file.string() + ": " + std::string(what));
+// How long a call waits for another connection's lock before it answers busy.
+constexpr std::chrono::milliseconds kBusyTimeout{5000};
+
+// Opening a descriptor of a file that SQLite has open and closing it again would drop the
+// process's POSIX locks on it, SQLite's included; so an existing file is only chmod-ed.
+bool ensurePrivateFile(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::exists(file, error))
+    return makePrivateFile(file);
+  restrictIfPresent(file);
+  return true;
+}
+
+std::string storeFailure(const std::filesystem::path& file, std::string_view what) {
+  return "Cannot open the store " + file.string() + ": " + std::string(what);
 }
 
 }  // namespace
@@ -16,37 +32,77 @@ void logFailure(const std::filesystem::path& file, std::string_view what) {
 std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const std::filesystem::path& directory,
                                                      std::string_view fileName,
                                                      const char* schema) {
-  const auto file = directory / fileName;
-  const auto wal = std::filesystem::path(file.string() + "-wal");
-  const auto shm = std::filesystem::path(file.string() + "-shm");
-  if (!makePrivateDirectory(directory)) {
-    logFailure(file, "the directory cannot be created");
-    return nullptr;
-  }
+  auto file = directory / fileName;
   // SQLite gives its -wal and -shm files the database file's mode, so the database file
   // exists with 0600 before SQLite first touches it.
-  if (!makePrivateFile(file)) {
-    logFailure(file, "the file cannot be created");
+  const char* problem = !makePrivateDirectory(directory) ? "the directory cannot be created"
+                        : !ensurePrivateFile(file)       ? "the file cannot be created"
+                                                         : nullptr;
+  if (problem != nullptr) {
+    VORN_LOG_FAULT(LoggerCategory::database, storeFailure(file, problem));
     return nullptr;
   }
+  std::unique_ptr<SqliteDatabase> db(new SqliteDatabase(std::move(file), schema));
+  db->connect();
+  db->log().write();
+  return db;
+}
+
+bool SqliteDatabase::connected() {
+  return db_ != nullptr || connect();
+}
+
+bool SqliteDatabase::connect() {
+  if (!walChecked_)
+    checkWal();
   sqlite3* raw = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-  if (sqlite3_open_v2(file.c_str(), &raw, flags, nullptr) != SQLITE_OK) {
-    logFailure(file, raw ? sqlite3_errmsg(raw) : "out of memory");
-    sqlite3_close(raw);
-    return nullptr;
+  const int opened = ensurePrivateFile(file_) ? sqlite3_open_v2(file_.c_str(), &raw, flags, nullptr)
+                                              : SQLITE_CANTOPEN;
+  if (opened != SQLITE_OK || !prepareConnection(raw)) {
+    connectionFailed(raw, opened != SQLITE_OK ? opened : sqlite3_errcode(raw));
+    return false;
   }
-  std::unique_ptr<SqliteDatabase> db(new SqliteDatabase(raw));
-  sqlite3_busy_timeout(raw, 5000);
-  if (!db->execute("PRAGMA journal_mode=WAL") || !db->execute("PRAGMA synchronous=NORMAL") ||
-      !db->execute(schema)) {
-    logFailure(file, db->lastError());
-    return nullptr;
+  db_ = raw;
+  connectFailure_ = SQLITE_OK;
+  restrictIfPresent(file_.string() + "-wal");
+  restrictIfPresent(file_.string() + "-shm");
+  return true;
+}
+
+// Before the first connection, so that the log is read as SQLite's recovery will find it.
+void SqliteDatabase::checkWal() {
+  walChecked_ = true;
+  const std::filesystem::path wal = file_.string() + "-wal";
+  if (auto damage = walDamage(wal)) {
+    log_.add(LogLevel::fault, [&] {
+      return "Cannot read all of " + wal.string() + ": " + *damage +
+             "; the changes from there on are lost.";
+    });
   }
-  restrictIfPresent(file);
-  restrictIfPresent(wal);
-  restrictIfPresent(shm);
-  return db;
+}
+
+bool SqliteDatabase::prepareConnection(sqlite3* db) {
+  const auto timeout =
+      std::chrono::duration_cast<std::chrono::milliseconds>(durations::scaled(kBusyTimeout));
+  sqlite3_busy_timeout(db, static_cast<int>(timeout.count()));
+  for (const char* sql : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL", schema_}) {
+    if (sqlite3_exec(db, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+      return false;
+  }
+  return true;
+}
+
+// Keeps the reason and closes the handle; the line is written for the first failure and
+// whenever the reason changes, not on every call of a store that stays unusable.
+void SqliteDatabase::connectionFailed(sqlite3* db, int code) {
+  const int primary = code & 0xFF;
+  std::string error = db != nullptr ? sqlite3_errmsg(db) : sqlite3_errstr(code);
+  sqlite3_close(db);
+  if (primary != connectFailure_)
+    log_.add(LogLevel::fault, [&] { return storeFailure(file_, error); });
+  connectFailure_ = primary;
+  connectError_ = std::move(error);
 }
 
 SqliteDatabase::~SqliteDatabase() {
@@ -56,6 +112,8 @@ SqliteDatabase::~SqliteDatabase() {
 }
 
 sqlite3_stmt* SqliteDatabase::statement(const char* sql) {
+  if (!connected())
+    return nullptr;
   const auto cached = statements_.find(sql);
   if (cached != statements_.end())
     return cached->second;
@@ -70,11 +128,15 @@ sqlite3_stmt* SqliteDatabase::statement(const char* sql) {
 }
 
 bool SqliteDatabase::execute(const char* sql) {
-  return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+  return connected() && sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 std::string SqliteDatabase::lastError() const {
-  return sqlite3_errmsg(db_);
+  return db_ != nullptr ? sqlite3_errmsg(db_) : connectError_;
+}
+
+int SqliteDatabase::lastErrorCode() const {
+  return db_ != nullptr ? sqlite3_errcode(db_) & 0xFF : connectFailure_;
 }
 
 StatementScope::~StatementScope() {

@@ -1,7 +1,5 @@
 #include "platform/sqlite/SqliteDefaultsStore.hpp"
 
-#include "vorn/logging/Log.hpp"
-
 namespace vorn {
 namespace {
 
@@ -62,7 +60,9 @@ std::shared_ptr<DefaultsStore> DefaultsStore::openFile(const std::filesystem::pa
 namespace platform {
 
 bool SqliteDefaultsStore::failure() {
-  VORN_LOG_ERROR(LoggerCategory::database, "Defaults store failure: " + db_->lastError());
+  // A connection that cannot be made was logged when it failed, not again for every call.
+  if (!db_->failedToConnect())
+    db_->log().add(LogLevel::error, [&] { return "Defaults store failure: " + db_->lastError(); });
   return false;
 }
 
@@ -72,6 +72,7 @@ std::optional<DefaultsValue> SqliteDefaultsStore::object(std::string_view suite,
 }
 
 ReadResult<DefaultsValue> SqliteDefaultsStore::read(std::string_view suite, std::string_view key) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kSelect);
   if (statement == nullptr) {
@@ -95,6 +96,7 @@ ReadResult<DefaultsValue> SqliteDefaultsStore::read(std::string_view suite, std:
 
 bool SqliteDefaultsStore::set(std::string_view suite, std::string_view key,
                               const DefaultsValue& value) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kUpsert);
   if (statement == nullptr)
@@ -108,6 +110,7 @@ bool SqliteDefaultsStore::set(std::string_view suite, std::string_view key,
 }
 
 bool SqliteDefaultsStore::remove(std::string_view suite, std::string_view key) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kDelete);
   if (statement == nullptr)
@@ -119,6 +122,7 @@ bool SqliteDefaultsStore::remove(std::string_view suite, std::string_view key) {
 }
 
 bool SqliteDefaultsStore::removePersistentDomain(std::string_view suite) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kDeleteSuite);
   if (statement == nullptr)

@@ -2,6 +2,11 @@
 //
 // One table of (suite, key) → typed value. Every setter is its own transaction, committed
 // to the WAL before it returns.
+//
+// A failing call logs an error line once the mutex is released and answers false or no
+// value. A file that cannot be opened at all (locked by another program, damaged, not a
+// database) is reported once, kept as it is and tried again on every call
+// (SqliteDatabase.hpp).
 #pragma once
 
 #include <memory>

@@ -20,6 +20,7 @@ class SectionDepth {
 }  // namespace
 
 OSStatus SqliteKeychainStore::exclusively(const std::function<void()>& body) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   if (sectionDepth_ > 0) {
     SectionDepth nested(sectionDepth_);

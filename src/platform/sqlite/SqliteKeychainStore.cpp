@@ -1,9 +1,7 @@
 #include "platform/sqlite/SqliteKeychainStore.hpp"
 
-#include <nlohmann/json.hpp>
-
 #include "platform/KeychainRecord.hpp"
-#include "vorn/logging/Log.hpp"
+#include "platform/sqlite/KeychainAttributes.hpp"
 
 namespace vorn {
 namespace {
@@ -34,39 +32,11 @@ constexpr const char* kSelectKey =
     "WHERE tag = ?1 AND (?2 IS NULL OR key_class = ?2) ORDER BY id LIMIT 1";
 constexpr const char* kDeleteKeys = "DELETE FROM keys WHERE tag = ?1";
 
-using Json = nlohmann::json;
-
-// Further attributes as a CBOR map: text stays text, bytes become CBOR byte strings.
-std::vector<std::uint8_t> encodeAttributes(const KeychainDictionary& attributes) {
-  Json map = Json::object();
-  for (const auto& [name, value] : attributes) {
-    if (const auto* text = std::get_if<std::string>(&value))
-      map[name] = *text;
-    else
-      map[name] = Json::binary(std::get<KeychainData>(value));
-  }
-  return Json::to_cbor(map);
-}
-
-KeychainDictionary decodeAttributes(const std::vector<std::uint8_t>& cbor) {
-  KeychainDictionary attributes;
-  const Json map = Json::from_cbor(cbor, true, false);
-  if (!map.is_object())
-    return attributes;
-  for (const auto& [name, value] : map.items()) {
-    if (value.is_string())
-      attributes.emplace(name, value.get<std::string>());
-    else if (value.is_binary())
-      attributes.emplace(name, KeychainData(value.get_binary()));
-  }
-  return attributes;
-}
-
 void bindAttributes(sqlite3_stmt* statement, int index, const KeychainDictionary& attributes) {
   if (attributes.empty())
     sqlite3_bind_null(statement, index);
   else
-    platform::bindBlob(statement, index, encodeAttributes(attributes));
+    platform::bindBlob(statement, index, platform::encodeKeychainAttributes(attributes));
 }
 
 void bindData(sqlite3_stmt* statement, int index, const std::optional<KeychainData>& data) {
@@ -76,15 +46,20 @@ void bindData(sqlite3_stmt* statement, int index, const std::optional<KeychainDa
     sqlite3_bind_null(statement, index);
 }
 
-KeychainItem itemFromRow(sqlite3_stmt* statement) {
+// Nothing when the stored attributes cannot be decoded.
+std::optional<KeychainItem> itemFromRow(sqlite3_stmt* statement) {
   KeychainItem item;
   item.service = platform::columnText(statement, 1);
   item.account = platform::returnedAccount(platform::columnText(statement, 2));
   item.accessible = platform::columnText(statement, 3);
   if (sqlite3_column_type(statement, 4) != SQLITE_NULL)
     item.data = platform::columnBlob(statement, 4);
-  if (sqlite3_column_type(statement, 5) != SQLITE_NULL)
-    item.attributes = decodeAttributes(platform::columnBlob(statement, 5));
+  if (sqlite3_column_type(statement, 5) != SQLITE_NULL) {
+    auto attributes = platform::decodeKeychainAttributes(platform::columnBlob(statement, 5));
+    if (!attributes)
+      return std::nullopt;
+    item.attributes = std::move(*attributes);
+  }
   return item;
 }
 
@@ -114,6 +89,14 @@ void applyChanges(KeychainItem& item, const KeychainItem& changes) {
     item.attributes[name] = value;
 }
 
+// A lock held by another connection is worth asking again about; any other failure means the
+// file cannot be used now. Neither may read as errSecItemNotFound, or a caller would create
+// new items, new key material among them, over ones it merely could not read.
+OSStatus statusForFailure(int code) {
+  return code == SQLITE_BUSY || code == SQLITE_LOCKED ? errSecInteractionNotAllowed
+                                                      : errSecNotAvailable;
+}
+
 }  // namespace
 
 std::shared_ptr<KeychainStore> KeychainStore::openFile(const std::filesystem::path& directory) {
@@ -126,8 +109,18 @@ std::shared_ptr<KeychainStore> KeychainStore::openFile(const std::filesystem::pa
 namespace platform {
 
 OSStatus SqliteKeychainStore::failure() {
-  VORN_LOG_ERROR(LoggerCategory::database, "Keychain store failure: " + db_->lastError());
-  return errSecNotAvailable;
+  // A connection that cannot be made was logged when it failed, not again for every call.
+  if (!db_->failedToConnect())
+    db_->log().add(LogLevel::error, [&] { return "Keychain store failure: " + db_->lastError(); });
+  return statusForFailure(db_->lastErrorCode());
+}
+
+OSStatus SqliteKeychainStore::unreadableItem(sqlite3_stmt* statement) {
+  db_->log().add(LogLevel::error, [&] {
+    return "Unreadable keychain item for service " + columnText(statement, 1) +
+           ": its stored attributes cannot be decoded.";
+  });
+  return errSecDecode;
 }
 
 OSStatus SqliteKeychainStore::selectMatching(const KeychainQuery& query, bool onlyFirst,
@@ -140,7 +133,10 @@ OSStatus SqliteKeychainStore::selectMatching(const KeychainQuery& query, bool on
   bindOptionalText(statement, 2, query.account);
   int step;
   while ((step = sqlite3_step(statement)) == SQLITE_ROW) {
-    rows.push_back(Row{sqlite3_column_int64(statement, 0), itemFromRow(statement)});
+    auto item = itemFromRow(statement);
+    if (!item)
+      return unreadableItem(statement);
+    rows.push_back(Row{sqlite3_column_int64(statement, 0), std::move(*item)});
     if (onlyFirst)
       return errSecSuccess;
   }
@@ -152,6 +148,7 @@ OSStatus SqliteKeychainStore::selectMatching(const KeychainQuery& query, bool on
 OSStatus SqliteKeychainStore::copyMatching(const KeychainQuery& query,
                                            std::vector<KeychainItem>& result) {
   result.clear();
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::vector<Row> rows;
   {
     std::lock_guard lock(mutex_);
@@ -165,6 +162,7 @@ OSStatus SqliteKeychainStore::copyMatching(const KeychainQuery& query,
 }
 
 OSStatus SqliteKeychainStore::add(const KeychainItem& item) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kInsertItem);
   if (statement == nullptr)
@@ -199,6 +197,7 @@ OSStatus SqliteKeychainStore::writeRow(const Row& row) {
 }
 
 OSStatus SqliteKeychainStore::update(const KeychainQuery& query, const KeychainItem& changes) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   if (!beginChange())
     return failure();
@@ -218,6 +217,7 @@ OSStatus SqliteKeychainStore::update(const KeychainQuery& query, const KeychainI
 }
 
 OSStatus SqliteKeychainStore::remove(const KeychainQuery& query) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kDeleteItems);
   if (statement == nullptr)
@@ -231,6 +231,7 @@ OSStatus SqliteKeychainStore::remove(const KeychainQuery& query) {
 }
 
 OSStatus SqliteKeychainStore::storeKey(const KeychainKey& key) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kInsertKey);
   if (statement == nullptr)
@@ -250,6 +251,7 @@ OSStatus SqliteKeychainStore::storeKey(const KeychainKey& key) {
 
 OSStatus SqliteKeychainStore::loadKey(std::string_view applicationTag,
                                       std::optional<KeychainKeyClass> keyClass, KeychainKey& key) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kSelectKey);
   if (statement == nullptr)
@@ -273,6 +275,7 @@ OSStatus SqliteKeychainStore::loadKey(std::string_view applicationTag,
 }
 
 OSStatus SqliteKeychainStore::deleteKey(std::string_view applicationTag) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
   sqlite3_stmt* statement = db_->statement(kDeleteKeys);
   if (statement == nullptr)

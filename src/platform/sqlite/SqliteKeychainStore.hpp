@@ -2,7 +2,11 @@
 //
 // Items live in `items` (unique by service and account, ordered by insertion), keys in
 // `keys` (unique by tag and class). Further item attributes are kept as one CBOR map.
-// Any SQLite failure answers errSecNotAvailable after a log line.
+// No failure reads as errSecItemNotFound: a lock held too long by another connection answers
+// errSecInteractionNotAllowed, any other SQLite failure (a damaged file, one that is not a
+// database, a full disk) errSecNotAvailable, and an item whose stored attributes cannot be
+// decoded errSecDecode, each after a log line. Such an item can still be removed. A file that
+// cannot be opened at all is reported once and tried again on every call (SqliteDatabase.hpp).
 //
 // An exclusive section is one BEGIN IMMEDIATE transaction on the connection, which SQLite
 // locks against every other connection to the file; the mutex is held for the whole section,
@@ -41,6 +45,7 @@ class SqliteKeychainStore final : public KeychainStore {
   OSStatus selectMatching(const KeychainQuery& query, bool onlyFirst, std::vector<Row>& rows);
   OSStatus writeRow(const Row& row);
   OSStatus failure();
+  OSStatus unreadableItem(sqlite3_stmt* statement);
   // A change of several rows: its own transaction, or a savepoint inside a section.
   bool beginChange();
   bool endChange(bool keep);
