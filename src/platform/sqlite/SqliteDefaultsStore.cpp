@@ -66,6 +66,16 @@ bool SqliteDefaultsStore::failure() {
   return false;
 }
 
+// A row is there, so the key must not read as absent: a caller would write over it.
+ReadResult<DefaultsValue> SqliteDefaultsStore::unreadableValue(std::string_view suite,
+                                                               std::string_view key, int type) {
+  db_->log().add(LogLevel::error, [&] {
+    return "Unreadable default " + std::string(key) + " in suite " + std::string(suite) +
+           ": unknown stored type " + std::to_string(type);
+  });
+  return ReadResult<DefaultsValue>::error(SQLITE_CORRUPT);
+}
+
 std::optional<DefaultsValue> SqliteDefaultsStore::object(std::string_view suite,
                                                          std::string_view key) {
   return read(suite, key).valueIfFound();
@@ -86,7 +96,7 @@ ReadResult<DefaultsValue> SqliteDefaultsStore::read(std::string_view suite, std:
   if (step == SQLITE_ROW) {
     auto value = columnValue(statement);
     return value ? ReadResult<DefaultsValue>::found(std::move(*value))
-                 : ReadResult<DefaultsValue>::absent();
+                 : unreadableValue(suite, key, sqlite3_column_int(statement, 0));
   }
   if (step == SQLITE_DONE)
     return ReadResult<DefaultsValue>::absent();

@@ -29,6 +29,7 @@ class SqliteDefaultsStore final : public DefaultsStore {
 
  private:
   bool failure();
+  ReadResult<DefaultsValue> unreadableValue(std::string_view suite, std::string_view key, int type);
 
   std::mutex mutex_;
   std::unique_ptr<SqliteDatabase> db_;  // guarded by mutex_
