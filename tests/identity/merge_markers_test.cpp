@@ -77,5 +77,15 @@ TEST(MergeMarkersTest, MarkerThatSurvivesRemovalFailsTheReset) {
             (std::vector<std::string>{"Data policy reset Started!", "Data policy reset failed!"}));
 }
 
+TEST(MergeMarkersTest, AnInstanceResetsOnItsOwnStoreOnly) {
+  auto platform = testing::installEphemeralPlatform();
+  platform.defaults->setBool(kStandard, true, "VORN_MERGE_COMPLETED-app");
+  auto defaults = DefaultsStore::inMemory();
+  defaults->setBool(kStandard, true, "VORN_MERGE_COMPLETED-app");
+  EXPECT_TRUE(DataMergeMarkers(defaults).reset("app"));
+  EXPECT_FALSE(defaults->object(kStandard, "VORN_MERGE_COMPLETED-app"));
+  EXPECT_TRUE(platform.defaults->boolFor(kStandard, "VORN_MERGE_COMPLETED-app"));
+}
+
 }  // namespace
 }  // namespace vorn

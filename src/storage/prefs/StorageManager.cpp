@@ -27,8 +27,13 @@ ReadResult<std::string> readRegistration(const SecurePrefs& registration) {
 
 StorageManager::StorageManager(std::shared_ptr<EncryptionManager> encryptionManager,
                                std::string moduleAppId)
-    : StorageManager(std::move(encryptionManager), std::move(moduleAppId),
-                     Platform::current()->defaults, Platform::current()->keychain) {}
+    : StorageManager(std::move(encryptionManager), std::move(moduleAppId), Platform::current()) {}
+
+StorageManager::StorageManager(std::shared_ptr<EncryptionManager> encryptionManager,
+                               std::string moduleAppId,
+                               const std::shared_ptr<const Platform>& platform)
+    : StorageManager(std::move(encryptionManager), std::move(moduleAppId), platform->defaults,
+                     platform->keychain) {}
 
 StorageManager::StorageManager(std::shared_ptr<EncryptionManager> encryptionManager,
                                std::string moduleAppId, std::shared_ptr<DefaultsStore> defaults,

@@ -38,6 +38,8 @@
 
 namespace vorn {
 
+struct Platform;
+
 class VORN_API StorageManager {
  public:
   static constexpr std::string_view kStorageNamePrefix = "com.quorvantis.tessarine_";
@@ -72,6 +74,8 @@ class VORN_API StorageManager {
   static std::optional<FileProtectionType> fileSystemProtectionType();
 
  private:
+  StorageManager(std::shared_ptr<EncryptionManager> encryptionManager, std::string moduleAppId,
+                 const std::shared_ptr<const Platform>& platform);
   // The registration id, read (or made) now when it is not known yet.
   std::optional<std::string> registration() const;
   ReadResult<std::string> loadOrCreateRegistrationId() const;
