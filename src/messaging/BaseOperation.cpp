@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
+#include <utility>
 
+#include "runtime/Deadline.hpp"
+#include "runtime/DelayTimer.hpp"
 #include "vorn/logging/Log.hpp"
-#include "vorn/runtime/DispatchQueue.hpp"
 #include "vorn/runtime/Durations.hpp"
 
 namespace vorn {
@@ -54,12 +57,13 @@ bool BaseOperation::operationTimedOut() const {
 }
 
 void BaseOperation::addDependency(std::shared_ptr<Operation> operation) {
-  std::lock_guard guard(lock_);
-  if (state_ != State::inactive) {
+  if (state() != State::inactive) {
     VORN_LOG_DEBUG(LoggerCategory::sdk,
                    "Cannot add dependency when operation already started. Dependency dropped.");
     return;
   }
+  // Added without the lock, because adding announces readiness to observers. A start()
+  // racing with this call then behaves as if this call had come first.
   Operation::addDependency(std::move(operation));
 }
 
@@ -80,21 +84,21 @@ void BaseOperation::main() {
 }
 
 void BaseOperation::finish() {
-  std::lock_guard guard(lock_);
+  std::unique_lock guard(lock_);
   if (operationTimedOut_ && state_ == State::finished)
     return;
-  transition(State::finished);
+  const detail::DelayTimer::Ticket timer = std::exchange(timeoutTimer_, 0);
+  transition(State::finished, guard);
+  // The armed time-out holds a reference to this operation, which would keep its memory
+  // until the deadline, possibly hours after it finished.
+  if (timer != 0)
+    detail::DelayTimer::shared().cancel(timer);
 }
 
 bool BaseOperation::markExecuting() {
-  {
-    std::lock_guard guard(lock_);
-    if (state_ != State::inactive) {
-      logInvalidTransition();
-      return false;
-    }
-    transition(State::executing);
-  }
+  std::unique_lock guard(lock_);
+  if (!transition(State::executing, guard))
+    return false;
   armTimeout();
   return true;
 }
@@ -106,38 +110,61 @@ void BaseOperation::armTimeout() {
   const double seconds = std::clamp(std::trunc(timeout_), 0.0, kLongestTimerSeconds);
   const auto delay = durations::scaled(std::chrono::seconds(static_cast<std::int64_t>(seconds)));
   std::weak_ptr<Operation> weak = weak_from_this();
-  DispatchQueue::global().asyncAfter(delay, [weak] {
-    if (auto self = std::static_pointer_cast<BaseOperation>(weak.lock()))
-      self->fireTimeout();
-  });
+  // Armed under the lock: a finish() from another thread then either finds the timer to
+  // cancel, or came first and nothing is armed.
+  std::lock_guard guard(lock_);
+  if (state_ != State::executing)
+    return;
+  timeoutTimer_ =
+      detail::DelayTimer::shared().schedule(detail::deadlineAfter(delay), nullptr, [weak] {
+        if (auto self = std::static_pointer_cast<BaseOperation>(weak.lock()))
+          self->fireTimeout();
+      });
 }
 
 void BaseOperation::fireTimeout() {
-  std::lock_guard guard(lock_);
-  if (state_ == State::finished || isCancelled())
-    return;
-  operationTimedOut_ = true;
+  {
+    std::lock_guard guard(lock_);
+    timeoutTimer_ = 0;
+    if (state_ == State::finished || isCancelled())
+      return;
+    operationTimedOut_ = true;
+  }
+  // Cancelled without the lock: cancelling notifies observers.
   cancel();
+  std::unique_lock guard(lock_);
+  // A finish() that came in meanwhile has done the rest.
   if (state_ != State::finished)
-    transition(State::finished);
+    transition(State::finished, guard);
 }
 
-void BaseOperation::transition(State target) {
-  std::lock_guard guard(lock_);
-  if (state_ == State::inactive && target == State::executing) {
-    willChangeValueForKey("isExecuting");
-    state_ = State::executing;
-    didChangeValueForKey("isExecuting");
-  } else if (state_ == State::executing && target == State::finished) {
-    // Observers see "isFinished" settle before "isExecuting".
-    willChangeValueForKey("isExecuting");
-    willChangeValueForKey("isFinished");
-    state_ = State::finished;
-    didChangeValueForKey("isFinished");
-    didChangeValueForKey("isExecuting");
-  } else {
+bool BaseOperation::transition(State target, std::unique_lock<std::recursive_mutex>& guard) {
+  const bool valid = (state_ == State::inactive && target == State::executing) ||
+                     (state_ == State::executing && target == State::finished);
+  if (valid)
+    state_ = target;
+  // Decided under the lock, announced without it: an observer may call back into this
+  // operation or wait for a thread that does.
+  guard.unlock();
+  if (!valid) {
     logInvalidTransition();
+    return false;
   }
+  announce(target);
+  return true;
+}
+
+void BaseOperation::announce(State reached) {
+  if (reached == State::executing) {
+    willChangeValueForKey("isExecuting");
+    didChangeValueForKey("isExecuting");
+    return;
+  }
+  // Observers see "isFinished" settle before "isExecuting".
+  willChangeValueForKey("isExecuting");
+  willChangeValueForKey("isFinished");
+  didChangeValueForKey("isFinished");
+  didChangeValueForKey("isExecuting");
 }
 
 }  // namespace vorn

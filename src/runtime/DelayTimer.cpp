@@ -4,16 +4,35 @@
 #include <thread>
 #include <utility>
 
+#include "base/SystemHooks.hpp"
+#include "vorn/runtime/DispatchQueue.hpp"
+
 namespace vorn::detail {
+namespace {
+// Leaked on purpose, like the worker pool: its thread never stops. Replaced, like the pool,
+// in a forked child, which does not have that thread.
+DelayTimer* gTimer = nullptr;
+}  // namespace
 
 DelayTimer& DelayTimer::shared() {
-  // Leaked on purpose, like the worker pool: its thread never stops.
-  static DelayTimer* timer = new DelayTimer();
-  return *timer;
+  static const bool created = [] {
+    gTimer = new DelayTimer();
+    addForkChildHandler(&DelayTimer::replaceInForkedChild);
+    return true;
+  }();
+  (void)created;
+  return *gTimer;
 }
 
-void DelayTimer::schedule(std::chrono::steady_clock::time_point deadline,
-                          std::shared_ptr<QueueState> target, std::function<void()> work) {
+void DelayTimer::replaceInForkedChild() {
+  auto* fresh = new DelayTimer();
+  // Tickets keep counting, so that one handed out before the fork never names a new entry.
+  fresh->nextTicket_ = gTimer->nextTicket_;
+  gTimer = fresh;
+}
+
+DelayTimer::Ticket DelayTimer::schedule(Deadline deadline, std::shared_ptr<QueueState> target,
+                                        std::function<void()> work) {
   std::lock_guard lock(mutex_);
   if (!started_) {
     try {
@@ -21,36 +40,60 @@ void DelayTimer::schedule(std::chrono::steady_clock::time_point deadline,
       started_ = true;
     } catch (const std::system_error&) {
       // No timer thread: run the work late rather than never.
-      enqueue(target, std::move(work));
-      return;
+      handOver(Entry{std::move(target), std::move(work)});
+      return 0;
     }
   }
-  const bool earliest = heap_.empty() || deadline < heap_.top().deadline;
-  heap_.push(Entry{deadline, nextSequence_++, std::move(target), std::move(work)});
+  const Ticket ticket = nextTicket_++;
+  const bool earliest = entries_.empty() || deadline < entries_.begin()->first.first;
+  entries_.emplace(Key{deadline, ticket}, Entry{std::move(target), std::move(work)});
+  deadlines_.emplace(ticket, deadline);
   if (earliest) {
     changed_.notify_one();
   }
+  return ticket;
+}
+
+void DelayTimer::cancel(Ticket ticket) {
+  std::map<Key, Entry>::node_type dropped;  // destroyed after the lock is released
+  std::lock_guard lock(mutex_);
+  const auto it = deadlines_.find(ticket);
+  if (it == deadlines_.end()) {
+    return;
+  }
+  // The thread may still wake at the dropped deadline; it then just waits for the next one.
+  dropped = entries_.extract(Key{it->second, ticket});
+  deadlines_.erase(it);
 }
 
 void DelayTimer::run() {
   std::unique_lock lock(mutex_);
   for (;;) {
-    if (heap_.empty()) {
+    if (entries_.empty()) {
       changed_.wait(lock);
       continue;
     }
-    const auto deadline = heap_.top().deadline;
+    const auto first = entries_.begin();
+    // A copy: the entry may be cancelled while the thread waits.
+    const Deadline deadline = first->first.first;
     if (std::chrono::steady_clock::now() < deadline) {
       changed_.wait_until(lock, deadline);
       continue;
     }
-    // priority_queue::top() is const; the entry is copied out once, then popped.
-    Entry due = heap_.top();
-    heap_.pop();
+    Entry due = std::move(first->second);
+    deadlines_.erase(first->first.second);
+    entries_.erase(first);
     lock.unlock();
-    enqueue(due.target, std::move(due.work));
-    due = Entry{};
+    handOver(std::move(due));
     lock.lock();
+  }
+}
+
+void DelayTimer::handOver(Entry entry) {
+  if (entry.target) {
+    enqueue(entry.target, std::move(entry.work));
+  } else {
+    DispatchQueue::global().async(std::move(entry.work));
   }
 }
 

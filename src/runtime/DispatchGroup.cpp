@@ -1,5 +1,6 @@
 #include "vorn/runtime/DispatchGroup.hpp"
 
+#include "runtime/Deadline.hpp"
 #include "runtime/QueueState.hpp"
 
 namespace vorn {
@@ -32,8 +33,7 @@ void DispatchGroup::leave() {
 
 DispatchGroupWaitResult DispatchGroup::wait(std::chrono::nanoseconds timeout) {
   std::unique_lock lock(mutex_);
-  const auto deadline = std::chrono::steady_clock::now() + timeout;
-  return zero_.wait_until(lock, deadline, [this] { return count_ == 0; })
+  return zero_.wait_until(lock, detail::deadlineAfter(timeout), [this] { return count_ == 0; })
              ? DispatchGroupWaitResult::success
              : DispatchGroupWaitResult::timedOut;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "runtime/Deadline.hpp"
 #include "runtime/DelayTimer.hpp"
 #include "runtime/QueueState.hpp"
 #include "runtime/WorkerPool.hpp"
@@ -171,8 +172,7 @@ void DispatchQueue::asyncAfter(std::chrono::nanoseconds delay, std::function<voi
     detail::enqueue(state_, std::move(work));
     return;
   }
-  detail::DelayTimer::shared().schedule(std::chrono::steady_clock::now() + delay, state_,
-                                        std::move(work));
+  detail::DelayTimer::shared().schedule(detail::deadlineAfter(delay), state_, std::move(work));
 }
 
 void DispatchQueue::sync(const std::function<void()>& work) {

@@ -7,11 +7,22 @@ namespace {
 std::atomic<double> gTimeScale{1.0};
 }
 
-double timeScale() noexcept { return gTimeScale.load(std::memory_order_relaxed); }
+double timeScale() noexcept {
+  return gTimeScale.load(std::memory_order_relaxed);
+}
 
 std::chrono::nanoseconds scaled(std::chrono::nanoseconds d) noexcept {
-  return std::chrono::nanoseconds(static_cast<std::chrono::nanoseconds::rep>(
-      static_cast<double>(d.count()) * timeScale()));
+  using std::chrono::nanoseconds;
+  // Saturates: a wait stretched beyond what the count holds stays endless instead of
+  // wrapping around (converting an out-of-range double to an integer is undefined).
+  const double count = static_cast<double>(d.count()) * timeScale();
+  if (count >= static_cast<double>(nanoseconds::max().count())) {
+    return nanoseconds::max();
+  }
+  if (count <= static_cast<double>(nanoseconds::min().count())) {
+    return nanoseconds::min();
+  }
+  return nanoseconds(static_cast<nanoseconds::rep>(count));
 }
 
 void detail::setTimeScale(double factor) noexcept {

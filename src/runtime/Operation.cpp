@@ -16,7 +16,8 @@ Operation::Operation() = default;
 Operation::~Operation() = default;
 
 void Operation::start() {
-  if (executing_.load() || finished_.load()) {
+  // Claimed in one step: of two concurrent calls, only one may go on to run main().
+  if (started_.exchange(true)) {
     return;
   }
   if (isCancelled()) {

@@ -5,15 +5,27 @@
 #include <thread>
 #include <utility>
 
+#include "base/SystemHooks.hpp"
+#include "runtime/Deadline.hpp"
+
 namespace vorn::detail {
 namespace {
 thread_local bool tlTaskEnding = false;
+
+// Leaked on purpose: detached workers may still be inside it while the process exits. A
+// forked child replaces it, and leaks the parent's copy too: its workers, and maybe the
+// holder of its mutex, did not come along.
+WorkerPool* gPool = nullptr;
 }  // namespace
 
 WorkerPool& WorkerPool::shared() {
-  // Leaked on purpose: detached workers may still be inside it while the process exits.
-  static WorkerPool* pool = new WorkerPool();
-  return *pool;
+  static const bool created = [] {
+    gPool = new WorkerPool();
+    addForkChildHandler([] { gPool = new WorkerPool(); });
+    return true;
+  }();
+  (void)created;
+  return *gPool;
 }
 
 WorkerPool::WorkerPool()
@@ -32,7 +44,13 @@ void WorkerPool::submit(std::function<void()> task) {
     sleeper->wake.notify_one();
   } else if (threads_ < baseThreads_) {
     spawnWorkerLocked();
-  } else if (monitorParked_) {
+  } else {
+    wakeMonitorLocked();
+  }
+}
+
+void WorkerPool::wakeMonitorLocked() {
+  if (monitorParked_) {
     monitorParked_ = false;
     monitorWake_.notify_one();
   }
@@ -50,7 +68,9 @@ void WorkerPool::spawnWorkerLocked() {
   try {
     std::thread([this, extra] { workerLoop(extra); }).detach();
   } catch (const std::system_error&) {
-    // Out of threads: the existing workers will get to the task eventually.
+    // Out of threads: the existing workers will get to the task eventually, and the monitor
+    // tries again should they all be stuck.
+    wakeMonitorLocked();
     return;
   }
   ++threads_;
@@ -89,8 +109,10 @@ void WorkerPool::workerLoop(bool extra) {
     ++taken_;
     lock.unlock();
     task();
+    // The captures go first, outside the lock: a destructor may post work and wait for it,
+    // and that work must still wake an idle worker instead of counting on this one.
+    task = nullptr;
     taskEnding();
-    task = nullptr;  // destroy captures outside the lock
     lock.lock();
     ending_.fetch_sub(1);
     tlTaskEnding = false;
@@ -105,7 +127,7 @@ bool WorkerPool::spinForTaskLocked(std::unique_lock<std::mutex>& lock) {
   }
   ++spinning_;
   lock.unlock();
-  const auto deadline = std::chrono::steady_clock::now() + kSpinBeforeParking;
+  const auto deadline = deadlineAfter(kSpinBeforeParking);
   while (waiting_.load(std::memory_order_relaxed) == 0 &&
          std::chrono::steady_clock::now() < deadline) {
     // Yield rather than pause: the producer this worker just woke is often placed on this
@@ -119,26 +141,22 @@ bool WorkerPool::spinForTaskLocked(std::unique_lock<std::mutex>& lock) {
 
 void WorkerPool::monitorLoop() {
   std::unique_lock lock(mutex_);
-  int quietTicks = 0;
   for (;;) {
+    // With nothing ready, nothing can be stuck behind blocked workers, however many there
+    // are: sleep until submit() finds every worker busy, so that an idle process is not woken.
+    if (ready_.empty()) {
+      monitorParked_ = true;
+      monitorWake_.wait(lock, [this] { return !monitorParked_; });
+    }
     // If no worker takes a task for a whole interval while work waits and nobody is idle,
     // every worker has been stuck in its task that long, and only a new thread can make
     // progress.
     const std::uint64_t seen = taken_;
-    const auto deadline = std::chrono::steady_clock::now() + kStallInterval;
+    const auto deadline = deadlineAfter(kStallInterval);
     monitorWake_.wait_until(lock, deadline,
                             [&] { return std::chrono::steady_clock::now() >= deadline; });
     if (!ready_.empty() && sleepers_.empty() && taken_ == seen && threads_ < kMaxThreads) {
       spawnWorkerLocked();
-    }
-    // Ticking costs nothing measurable while the pool is busy, but an idle process should
-    // not wake up a hundred times a second: after a quiet spell the monitor sleeps until
-    // submit() finds every worker busy again.
-    quietTicks = (ready_.empty() && sleepers_.size() == threads_) ? quietTicks + 1 : 0;
-    if (quietTicks >= kQuietTicksBeforeParking) {
-      monitorParked_ = true;
-      monitorWake_.wait(lock, [this] { return !monitorParked_; });
-      quietTicks = 0;
     }
   }
 }

@@ -5,8 +5,9 @@
 // because every worker is blocked and then adds a worker, up to kMaxThreads; workers beyond
 // the base count retire after kIdleRetirement without work. Idle workers are woken
 // last-in first-out, one per task, never all at once. The monitor ticks every
-// kStallInterval while the pool is in use and parks after a quiet second. The pool is
-// immortal.
+// kStallInterval only while tasks are waiting; it is woken when a task finds every worker
+// busy and parks as soon as nothing is ready, blocked workers or not. The pool is immortal;
+// a forked child starts over with a fresh one, and the parent's pending tasks stay behind.
 //
 // A worker that runs out of tasks first watches the ready list for up to kSpinBeforeParking
 // (one worker at a time, yielding the core between looks) before it parks. A producer that posts
@@ -31,7 +32,6 @@ class WorkerPool {
   static constexpr std::size_t kMaxThreads = 64;
   static constexpr std::chrono::seconds kIdleRetirement{5};
   static constexpr std::chrono::milliseconds kStallInterval{10};
-  static constexpr int kQuietTicksBeforeParking = 100;
   static constexpr std::chrono::microseconds kSpinBeforeParking{8};
 
   static WorkerPool& shared();
@@ -59,6 +59,7 @@ class WorkerPool {
   };
 
   void spawnWorkerLocked();
+  void wakeMonitorLocked();
   void workerLoop(bool extra);
   bool spinForTaskLocked(std::unique_lock<std::mutex>& lock);
   void monitorLoop();

@@ -8,15 +8,18 @@
 //
 // Time-out: start() arms a timer for the time-out truncated to whole seconds (so 2.7 s fires
 // after 2 s and 0.9 s at once). When it fires on a still-running operation, the operation
-// is marked timed out, cancelled and finished. kNoTimeout never arms a timer.
+// is marked timed out, cancelled and finished; finishing first disarms it, so a finished
+// operation is not kept in memory until its deadline. kNoTimeout never arms a timer.
 //
 // Subclasses put their work in main() and must call finish() when it is done, from any
 // thread. Every state read and write holds one recursive lock, so a subclass may call back
-// into the base class while holding it (see lock()).
+// into the base class while holding it (see lock()). Observers are notified after that lock
+// is released, so a state change is already visible to the "will" notification.
 //
 // Thread safety: every member function may be called from any thread.
 #pragma once
 
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -65,10 +68,15 @@ class VORN_API BaseOperation : public Operation {
   bool markExecuting();
   void armTimeout();
   void fireTimeout();
-  void transition(State target);
+  /// Moves to `target` if it follows the current state; releases `guard` (holding lock_)
+  /// before telling anyone. False, logged, for an invalid transition.
+  bool transition(State target, std::unique_lock<std::recursive_mutex>& guard);
+  void announce(State reached);
 
   mutable std::recursive_mutex lock_;
   bool operationTimedOut_ = false;  // guarded by lock_
+  // Guarded by lock_. The delay timer's entry for the armed time-out, 0 when none.
+  std::uint64_t timeoutTimer_ = 0;
   State state_ = State::inactive;   // guarded by lock_
   const double timeout_;
 };

@@ -11,6 +11,11 @@
 //
 // Thread safety: every member function may be called from any thread.
 //
+// Fork: the child of a fork() gets a pool and a delay timer of its own, so global(), new
+// queues and queues that were idle at that moment work there as usual. Work pending in the
+// parent stays with the parent; a serial queue that had work running or waiting when the
+// process forked does not run again in the child.
+//
 // Errors: a closure run by async() or asyncAfter() that throws has its exception caught and
 // dropped at the worker boundary, so one faulty closure cannot take the pool down. sync()
 // runs the caller's closure on the caller's thread and lets its exception reach the caller

@@ -93,6 +93,7 @@ class VORN_API Operation : public std::enable_shared_from_this<Operation> {
   void removeDependent(const Operation* dependent);
   void readinessMayHaveChanged();
 
+  std::atomic<bool> started_{false};  // set by the one start() call that runs
   std::atomic<bool> cancelled_{false};
   std::atomic<bool> executing_{false};
   std::atomic<bool> finished_{false};
