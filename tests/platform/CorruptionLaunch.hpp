@@ -1,8 +1,9 @@
-// The two launches of the store corruption test, each run in a child process: the first
+// The three launches of the store corruption test, each run in a child process: the first
 // writes keys, preferences, defaults and an item through the file-backed Platform; the
 // second, on damaged copies of those files, reads everything, writes again and reads that
-// back. The second writes a report: every log line of the library, and a "failed: " line
-// for each call that answered an error.
+// back; the third checks that what the second was told it stored is still there. The
+// second writes a report: every log line of the library, a "failed: " line for each call
+// that answered an error and a "stored: " line for each write that was acknowledged.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,6 +24,8 @@ inline constexpr const char* kReportVariable = "VORN_TEST_CORRUPTION_REPORT";
 inline constexpr std::string_view kFailedPrefix = "failed: ";
 inline constexpr std::string_view kErrorLinePrefix = "error: ";
 inline constexpr std::string_view kFaultLinePrefix = "fault: ";
+inline constexpr std::string_view kStoredDefault = "stored: default";
+inline constexpr std::string_view kStoredItem = "stored: item";
 
 inline constexpr std::string_view kService = "com.example.corruption";
 inline constexpr const char* kAppId = "APP1";
@@ -36,6 +39,7 @@ class Report : public LogOutputter {
     write(kLevels[rawValue(level) & 3], message);
   }
   void failed(std::string_view what) { write(kFailedPrefix, what); }
+  void stored(std::string_view line) { write(line, ""); }
 
  private:
   void write(std::string_view prefix, std::string_view text) {
@@ -101,12 +105,16 @@ inline void writeAgain(const Platform& platform, SecurePrefs& prefs, Report& rep
     report.failed("secure prefs write");
   if (!platform.defaults->setString("", "after", "plain.after")) {
     report.failed("defaults write");
-  } else if (auto read = platform.defaults->read("", "plain.after"); !read.isFound()) {
-    report.failed("defaults read after a write");
+  } else {
+    report.stored(kStoredDefault);
+    if (!platform.defaults->read("", "plain.after").isFound())
+      report.failed("defaults read after a write");
   }
   const OSStatus added = platform.keychain->add(itemNamed("third"));
   if (added != errSecSuccess)
     report.failed("keychain add " + std::to_string(added));
+  else
+    report.stored(kStoredItem);
 }
 
 inline void readAndWriteAgain(const std::string& dir, const std::string& reportPath) {
@@ -126,6 +134,24 @@ inline void readAndWriteAgain(const std::string& dir, const std::string& reportP
   readKeychain(*platform->keychain, *report);
   writeAgain(*platform, *prefs, *report);
   readKeychain(*platform->keychain, *report);
+}
+
+// An acknowledged write must never read as absent later: at most as an error.
+inline void findWhatWasStored(const std::string& dir, const std::string& reportPath) {
+  std::ifstream previous(reportPath);
+  const Platform platform = Platform::defaultPlatform(dir);
+  for (std::string line; std::getline(previous, line);) {
+    if (line == kStoredDefault) {
+      EXPECT_FALSE(platform.defaults->read("", "plain.after").isAbsent());
+    }
+    if (line == kStoredItem) {
+      KeychainQuery query;
+      query.service = std::string(kService);
+      query.account = "third";
+      std::vector<KeychainItem> found;
+      EXPECT_NE(platform.keychain->copyMatching(query, found), errSecItemNotFound);
+    }
+  }
 }
 
 }  // namespace vorn::testing::corruption

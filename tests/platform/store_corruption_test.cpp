@@ -4,8 +4,9 @@
 //
 // The first launch runs once; every trial copies its files into a fresh directory, flips
 // bytes in or truncates one of keychain.db, defaults.db and their -wal files, and starts a
-// second launch on the copy. VORN_CORRUPTION_TRIALS sets the number of trials (20 unless
-// set), VORN_CORRUPTION_SEED repeats a run; the seed is printed.
+// second launch on the copy, then a third that looks for what the second stored.
+// VORN_CORRUPTION_TRIALS sets the number of trials (20 unless set), VORN_CORRUPTION_SEED repeats a
+// run; the seed is printed.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -126,7 +127,15 @@ TEST(StoreCorruptionLaunch, Second) {
   testing::corruption::readAndWriteAgain(*dir, *report);
 }
 
-TEST(StoreCorruption, ASecondLaunchSurvivesDamagedFilesAndLogsWhatItCouldNotRead) {
+TEST(StoreCorruptionLaunch, Third) {
+  const auto dir = testing::childOrder(testing::corruption::kDirVariable);
+  const auto report = testing::childOrder(testing::corruption::kReportVariable);
+  if (!dir || !report)
+    GTEST_SKIP() << "runs only as a child of StoreCorruption";
+  testing::corruption::findWhatWasStored(*dir, *report);
+}
+
+TEST(StoreCorruption, LaunchesOnDamagedFilesSurviveLogFailuresAndKeepWhatTheyStored) {
   const testing::TemporaryDirectory work;
   const fs::path pristine = work.path() / "pristine";
   ASSERT_EQ(runLaunch("StoreCorruptionLaunch.First", pristine, work.path() / "first.txt"), 0);
@@ -144,6 +153,8 @@ TEST(StoreCorruption, ASecondLaunchSurvivesDamagedFilesAndLogsWhatItCouldNotRead
                  damage);
     ASSERT_EQ(runLaunch("StoreCorruptionLaunch.Second", dir, report), 0);
     expectFailuresLogged(linesOf(report));
+    EXPECT_EQ(runLaunch("StoreCorruptionLaunch.Third", dir, report), 0)
+        << "a write the second launch was told it stored is missing";
     EXPECT_TRUE(fs::exists(dir / "keychain.db") && fs::exists(dir / "defaults.db"));
   }
 }
