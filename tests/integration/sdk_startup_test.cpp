@@ -55,7 +55,7 @@ bool bothAre(ModuleStatus status) {
 }
 
 testing::FakeModuleSettings slowStart(testing::FakeModuleSettings settings) {
-  settings.initDelay = std::chrono::seconds(2);
+  settings.initDelay = std::chrono::seconds(1);
   return settings;
 }
 
@@ -79,7 +79,7 @@ class SdkStartUpTest : public ::testing::Test {
   }
 
   Platform platform = testing::installEphemeralPlatform();
-  testing::ScopedTimeScale scale{0.1};  // 5 s wait: 500 ms; module starts: 200 ms
+  testing::ScopedTimeScale scale{0.2};  // 5 s wait: 1 s; module starts: 200 ms
   std::shared_ptr<testing::CaptureLogSink> sink = testing::CaptureLogSink::install();
 };
 

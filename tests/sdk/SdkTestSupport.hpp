@@ -1,6 +1,6 @@
 // Helpers for the start-up tests: fake module classes with versions the facades accept,
 // module configurations, callbacks that record what they hear, and a fixture with an
-// in-memory platform, a capture sink and the fixed waits compressed a hundredfold.
+// in-memory platform, a capture sink and the fixed waits compressed tenfold.
 #pragma once
 
 #include <memory>
@@ -81,7 +81,8 @@ class SdkTest : public ::testing::Test {
   }
 
   Platform platform = testing::installEphemeralPlatform();
-  testing::ScopedTimeScale fast{0.01};  // 5 s wait: 50 ms; 15 s time-out: 150 ms
+  // 5 s wait: 500 ms, long enough for a sanitized build to start a module; 15 s time-out: 1.5 s
+  testing::ScopedTimeScale fast{0.1};
   std::shared_ptr<testing::CaptureLogSink> sink = testing::CaptureLogSink::install();
   const std::string version = VORNSdk::sdkVersion();
   Outcomes outcomes;

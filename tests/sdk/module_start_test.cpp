@@ -105,7 +105,7 @@ TEST_F(ModuleStartTest, AClassThatGivesNoModuleFailsTheFacade) {
 }
 
 TEST_F(ModuleStartTest, AnInitializerPastItsTimeOutFailsTheFacade) {
-  // 20 s against the 15 s time-out, both scaled to a hundredth.
+  // 20 s against the 15 s time-out, both scaled to a tenth.
   registerBothModules({.version = kPushVersion, .initDelay = std::chrono::seconds(20)});
   VORNSdk::initializeSdk(pushOnly(outcomes));
   ASSERT_TRUE(sink->waitFor("Module VORNSdkPushModule The operation timed out."));
