@@ -1,5 +1,6 @@
 #include "storage/keystore/SecureKeyPair.hpp"
 
+#include "storage/crypto/EcKeys.hpp"
 #include "storage/crypto/KeyMaterial.hpp"
 #include "storage/crypto/KeyTags.hpp"
 #include "vorn/logging/Log.hpp"
@@ -7,8 +8,6 @@
 
 namespace vorn {
 namespace {
-
-constexpr int kECKeyBits = 256;
 
 // One half of a pair. Any status of the store other than "not found" is an error, whatever
 // it says; only bytes that were read and do not make a key (they never will) are as good as
@@ -31,27 +30,6 @@ ReadResult<KeyRef> findHalf(KeychainStore& store, const std::string& tag) {
   return readable ? ReadResult<KeyRef>::absent() : ReadResult<KeyRef>::error(status);
 }
 
-OSStatus storeHalf(KeychainStore& store, const std::string& tag, KeychainKeyClass keyClass,
-                   std::string_view accessible, Bytes data) {
-  KeychainKey key;
-  key.applicationTag = tag;
-  key.keyType = KeychainKeyType::ec;
-  key.keyClass = keyClass;
-  key.keySizeInBits = kECKeyBits;
-  key.accessible = std::string(accessible);
-  key.keyData = std::move(data);
-  store.deleteKey(tag);
-  return store.storeKey(key);
-}
-
-void deleteHalf(KeychainStore& store, const std::string& tag) {
-  const OSStatus status = store.deleteKey(tag);
-  if (status != errSecSuccess && status != errSecItemNotFound) {
-    VORN_LOG_ERROR(LoggerCategory::encryption, "Error deleting EC key with tag " + tag +
-                                                   ". Error code: " + std::to_string(status));
-  }
-}
-
 }  // namespace
 
 ReadResult<SecureKeyPair> findSecureKeyPair(KeychainStore& store, std::string_view name) {
@@ -68,31 +46,11 @@ ReadResult<SecureKeyPair> findSecureKeyPair(KeychainStore& store, std::string_vi
 }
 
 void createSecureKeyPair(KeychainStore& store, std::string_view name, std::string_view accessible) {
-  PKey pair = generateEcKey();
-  Bytes privateBytes = pair ? ecExternal(pair.get(), true) : Bytes{};
-  const OSStatus privateStatus =
-      privateBytes.empty()
-          ? errSecParam
-          : storeHalf(store, keyTag(kECPrivateKeyTagPrefix, name), KeychainKeyClass::privateKey,
-                      accessible, std::move(privateBytes));
-  if (privateStatus != errSecSuccess) {
-    VORN_LOG_ERROR(LoggerCategory::encryption,
-                   "Error creating EC private Key with name " + std::string(name) +
-                       ". Error code: " + std::to_string(privateStatus));
-    return;
-  }
-  Bytes publicBytes = ecExternal(pair.get(), false);
-  if (publicBytes.empty() ||
-      storeHalf(store, keyTag(kECPublicKeyTagPrefix, name), KeychainKeyClass::publicKey, accessible,
-                std::move(publicBytes)) != errSecSuccess) {
-    VORN_LOG_ERROR(LoggerCategory::encryption,
-                   "Error creating EC public key with name " + std::string(name));
-  }
+  ec::createPair(store, name, accessible);
 }
 
 void deleteSecureKeyPair(KeychainStore& store, std::string_view name) {
-  deleteHalf(store, keyTag(kECPrivateKeyTagPrefix, name));
-  deleteHalf(store, keyTag(kECPublicKeyTagPrefix, name));
+  ec::deletePair(store, name);
 }
 
 }  // namespace vorn
