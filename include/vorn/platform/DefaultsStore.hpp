@@ -44,8 +44,10 @@ class VORN_API DefaultsStore : public std::enable_shared_from_this<DefaultsStore
   static constexpr std::string_view kFileName = "defaults.db";
 
   /// Opens (creating when needed) `directory`/defaults.db in WAL mode, with the directory
-  /// made 0700 and the database files 0600. Null when it cannot be opened; the reason is
-  /// logged.
+  /// made 0700 and the database files 0600. Null only when the directory or the file cannot
+  /// be created; the reason is logged. A file SQLite refuses (damaged, locked) is left
+  /// untouched: the store logs it once, fails every call and tries to open it again on the
+  /// next, so it recovers when the file becomes readable.
   static std::shared_ptr<DefaultsStore> openFile(const std::filesystem::path& directory);
   /// A store that lives as long as the returned object; nothing touches the disk.
   static std::shared_ptr<DefaultsStore> inMemory();

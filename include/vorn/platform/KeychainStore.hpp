@@ -44,7 +44,9 @@ class VORN_API KeychainStore {
   static constexpr std::string_view kFileName = "keychain.db";
 
   /// Opens (creating when needed) `directory`/keychain.db, with the directory made 0700 and
-  /// the database files 0600. Null when the file cannot be opened; the reason is logged.
+  /// the database files 0600. Null only when the directory or the file cannot be created; the
+  /// reason is logged. A file SQLite refuses (damaged, locked) is left untouched: the store
+  /// logs it once, fails every call and tries to open it again on the next.
   static std::shared_ptr<KeychainStore> openFile(const std::filesystem::path& directory);
   /// A store that lives as long as the returned object; nothing touches the disk.
   static std::shared_ptr<KeychainStore> inMemory();
