@@ -54,9 +54,9 @@ std::string text(const Fault& fault) {
   return out.str();
 }
 
-Fault parse(const std::string& spec) {
+Fault parse(const std::string& text) {
   Fault fault;
-  std::istringstream in(spec);
+  std::istringstream in(text);
   in >> fault.kind >> fault.target >> fault.status >> fault.skip;
   return fault;
 }

@@ -77,7 +77,7 @@ class VORN_API BaseOperation : public Operation {
   bool operationTimedOut_ = false;  // guarded by lock_
   // Guarded by lock_. The delay timer's entry for the armed time-out, 0 when none.
   std::uint64_t timeoutTimer_ = 0;
-  State state_ = State::inactive;   // guarded by lock_
+  State state_ = State::inactive;  // guarded by lock_
   const double timeout_;
 };
 
