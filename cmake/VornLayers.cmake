@@ -55,7 +55,7 @@ function(vorn_layer_defaults target)
     PRIVATE ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${target}
     PUBLIC Threads::Threads nlohmann_json::nlohmann_json
-    PRIVATE PkgConfig::UTF8PROC OpenSSL::Crypto ZLIB::ZLIB SQLite::SQLite3 vorn_warnings)
+    PRIVATE PkgConfig::UTF8PROC OpenSSL::Crypto ZLIB::ZLIB SQLite::SQLite3 CURL::libcurl vorn_warnings)
 endfunction()
 
 # Puts the guard of `layer` first on the search path of `target`.

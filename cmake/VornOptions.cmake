@@ -32,6 +32,7 @@ function(vorn_add_test subsystem)
   # Suite helpers are included by their folder: "storage/CountingKeychain.hpp".
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${target} PRIVATE vorn::sdk vorn::testing GTest::gtest GTest::gmock
-                                          GTest::gtest_main vorn_warnings ${ARG_LIBS})
+                                          GTest::gtest_main PkgConfig::HTTPLIB vorn_warnings
+                                          ${ARG_LIBS})
   gtest_discover_tests(${target} PROPERTIES LABELS ${subsystem} DISCOVERY_TIMEOUT 60)
 endfunction()

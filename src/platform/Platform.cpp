@@ -22,6 +22,7 @@ Platform withoutStores() {
   platform.protectedDataAvailable = [] { return true; };
   platform.mainQueue = std::make_shared<DispatchQueue>("vornsdk.main");
   platform.clock = Clock::system();
+  platform.http = HttpTransport::none();
   return platform;
 }
 
@@ -60,6 +61,7 @@ Platform Platform::defaultPlatform(const std::filesystem::path& dataDir) {
                    "Defaults store unavailable in " + dataDir.string() + "; using memory.");
     platform.defaults = DefaultsStore::inMemory();
   }
+  platform.http = HttpTransport::curl();
   return platform;
 }
 
@@ -81,6 +83,8 @@ void Platform::install(Platform platform) {
     platform.mainQueue = std::make_shared<DispatchQueue>("vornsdk.main");
   if (!platform.clock)
     platform.clock = Clock::system();
+  if (!platform.http)
+    platform.http = HttpTransport::none();
   auto shared = std::make_shared<const Platform>(std::move(platform));
   std::lock_guard lock(installed().mutex);
   installed().platform = std::move(shared);

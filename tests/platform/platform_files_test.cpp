@@ -107,7 +107,11 @@ TEST(PlatformCurrentTest, InstallReplacesAndFillsMissingServices) {
   EXPECT_NE(current->clock, nullptr);
   ASSERT_TRUE(current->protectedDataAvailable);
   EXPECT_TRUE(current->protectedDataAvailable());
-  EXPECT_EQ(current->http, nullptr);
+  // A platform without a transport still answers requests: every one with a transport error.
+  ASSERT_NE(current->http, nullptr);
+  const auto answer = current->http->perform(HttpRequest{});
+  ASSERT_TRUE(answer.error);
+  EXPECT_EQ(answer.error->code, HttpErrorCode::noTransport);
 }
 
 TEST(PlatformCurrentTest, ConcurrentInstallAndCurrentSeeWholePlatforms) {

@@ -43,11 +43,12 @@ struct VORN_API Platform {
 
   /// File-backed stores in `dataDir` (created 0700 when missing), protected data always
   /// available, a private serial queue standing in for the main queue, the system clock and
-  /// no HTTP transport. A store whose file cannot even be created is replaced by an in-memory
+  /// the libcurl transport. A store whose file cannot even be created is replaced by an in-memory
   /// one, with a fault log line, so the library keeps running for this launch; an existing
   /// file that cannot be read is never replaced (see the stores' openFile()).
   static Platform defaultPlatform(const std::filesystem::path& dataDir);
-  /// Like defaultPlatform(), but with in-memory stores: nothing touches the disk.
+  /// Like defaultPlatform(), but with in-memory stores and the none() transport: nothing
+  /// touches the disk or the network.
   static Platform ephemeral();
   /// The data directory named by the environment (see above).
   static std::filesystem::path defaultDataDirectory();
