@@ -1,0 +1,138 @@
+// Sequential HTTP exchanges on a kept-alive loopback connection: the libcurl transport next
+// to raw libcurl with one reused easy handle, the floor the transport's pool, option setup
+// and result building are measured against. Run: build/<dir>/bench/vorn_network_bench
+#include <benchmark/benchmark.h>
+#include <curl/curl.h>
+
+#include <cstddef>
+#include <memory>
+#include <numeric>
+#include <string>
+
+#include "support/LoopbackServer.hpp"
+#include "vorn/network/NetworkManager.hpp"
+#include "vorn/platform/DefaultsStore.hpp"
+#include "vorn/platform/HttpTransport.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
+
+namespace {
+
+// One server for the whole program, started on first use, so every benchmark of this file
+// talks to the same loopback endpoint and pays no start-up inside its timing.
+class LoopbackFixture {
+ public:
+  static LoopbackFixture& shared() {
+    static LoopbackFixture fixture;
+    return fixture;
+  }
+
+  /// The URL of a GET that answers 200 with a short body.
+  std::string pingUrl() const { return server_.url("/ping"); }
+
+ private:
+  LoopbackFixture() {
+    server_.server().Get("/ping", [](const httplib::Request&, httplib::Response& res) {
+      res.set_content("pong", "text/plain");
+    });
+    server_.start();
+  }
+
+  vorn::test::LoopbackServer server_;
+};
+
+std::size_t discardBody(char*, std::size_t size, std::size_t count, void*) {
+  return size * count;
+}
+
+void BM_RawCurlKeepAlive(benchmark::State& state) {
+  const std::string url = LoopbackFixture::shared().pingUrl();
+  curl_global_init(CURL_GLOBAL_DEFAULT);
+  CURL* handle = curl_easy_init();
+  curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+  curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &discardBody);
+  for (auto _ : state) {
+    if (curl_easy_perform(handle) != CURLE_OK) {
+      state.SkipWithError("request failed");
+      break;
+    }
+  }
+  curl_easy_cleanup(handle);
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_RawCurlKeepAlive)->UseRealTime();
+
+void BM_TransportKeepAlive(benchmark::State& state) {
+  auto transport = vorn::HttpTransport::curl();
+  vorn::HttpRequest request;
+  request.url = LoopbackFixture::shared().pingUrl();
+  for (auto _ : state) {
+    auto result = transport->perform(request);
+    if (result.error) {
+      state.SkipWithError(result.error->message.c_str());
+      break;
+    }
+    benchmark::DoNotOptimize(result);
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_TransportKeepAlive)->UseRealTime();
+
+// Network preferences on `store` under a fixed key, as a module's components would give them.
+std::shared_ptr<vorn::SecurePrefs> benchPrefs(const std::shared_ptr<vorn::DefaultsStore>& store) {
+  vorn::Bytes key(32);
+  vorn::Bytes iv(16);
+  std::iota(key.begin(), key.end(), std::uint8_t{3});
+  std::iota(iv.begin(), iv.end(), std::uint8_t{3});
+  auto manager =
+      std::make_shared<vorn::EncryptionManager>(std::make_shared<vorn::VORNEncryptionKey>(key, iv));
+  return std::make_shared<vorn::SecurePrefs>(store->suite("com.quorvantis.tessarine_bench"),
+                                             manager);
+}
+
+vorn::WrappedRequest pingRequest(std::string name) {
+  return *vorn::WrappedRequest::Builder()
+              .method("GET")
+              .url(LoopbackFixture::shared().pingUrl())
+              .name(std::move(name))
+              .build();
+}
+
+// The whole manager path per request (in-flight claim, deadline check in secure preferences on
+// SQLite, exchange, release) over the same kept-alive connection; no rate limit, so nothing is
+// written. state.range(0): 0 = one name throughout, 1 = a new name every call.
+void BM_ManagerExecuteSync(benchmark::State& state) {
+  const vorn::testing::TemporaryDirectory dir;
+  auto manager =
+      vorn::NetworkManager::create(benchPrefs(vorn::DefaultsStore::openFile(dir.path())), nullptr,
+                                   vorn::HttpTransport::curl(), vorn::Clock::system());
+  const bool distinct = state.range(0) == 1;
+  std::size_t count = 0;
+  for (auto _ : state) {
+    const auto call =
+        manager->executeSync(pingRequest(distinct ? "ping" + std::to_string(count++) : "ping"));
+    if (!call.wrappedResponse.isSuccess()) {
+      state.SkipWithError("request failed");
+      break;
+    }
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_ManagerExecuteSync)->Arg(0)->Arg(1)->UseRealTime();
+
+// The check of a name that has no deadlines: two encrypted key look-ups and no write.
+// state.range(0): 0 = in-memory defaults, 1 = the SQLite defaults file.
+void BM_IsBlockedByRetryAfterNoDeadlines(benchmark::State& state) {
+  const vorn::testing::TemporaryDirectory dir;
+  auto store = state.range(0) == 1 ? vorn::DefaultsStore::openFile(dir.path())
+                                   : vorn::DefaultsStore::inMemory();
+  auto manager =
+      vorn::NetworkManager::create(benchPrefs(store), nullptr, nullptr, vorn::Clock::system());
+  for (auto _ : state)
+    benchmark::DoNotOptimize(manager->isBlockedByRetryAfter("events"));
+}
+BENCHMARK(BM_IsBlockedByRetryAfterNoDeadlines)->Arg(0)->Arg(1);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,7 @@
+#include "vorn/network/Authenticator.hpp"
+
+namespace vorn {
+
+Authenticator::~Authenticator() = default;
+
+}  // namespace vorn
