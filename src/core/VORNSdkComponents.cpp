@@ -1,7 +1,5 @@
 #include "vorn/core/VORNSdkComponents.hpp"
 
-#include "vorn/logging/Log.hpp"
-
 namespace vorn {
 
 std::shared_ptr<VORNSdkComponents> VORNSdkComponents::create(const ModuleConfig& config) {
@@ -17,14 +15,14 @@ VORNSdkComponents::VORNSdkComponents(std::shared_ptr<EncryptionManager> encrypti
       storageManager_(std::move(storageManager)) {}
 
 std::shared_ptr<BehaviorManager> VORNSdkComponents::behaviorManager() const {
-  VORN_LOG_DEBUG(LoggerCategory::behavior, "The behavior manager is not available in this build.");
-  return nullptr;
+  return BehaviorManager::shared();
 }
 
 std::shared_ptr<NetworkManager> VORNSdkComponents::createNetworkManager(
-    std::shared_ptr<Authenticator> /*authenticator*/) const {
-  VORN_LOG_DEBUG(LoggerCategory::network, "The network manager is not available in this build.");
-  return nullptr;
+    std::shared_ptr<Authenticator> authenticator) const {
+  auto preferences =
+      storageManager_ ? storageManager_->getOrCreateSecurePrefs(kNetworkPreferencesName) : nullptr;
+  return NetworkManager::create(std::move(preferences), std::move(authenticator));
 }
 
 }  // namespace vorn

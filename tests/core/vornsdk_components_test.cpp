@@ -6,6 +6,7 @@
 #include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/FakeModuleConfig.hpp"
 #include "vorn/testing/PlatformInstall.hpp"
+#include "vorn/testing/ScriptedHttpTransport.hpp"
 
 namespace vorn {
 namespace {
@@ -25,15 +26,35 @@ TEST(VORNSdkComponents, AreBoundToTheModuleKeyAndApplication) {
   EXPECT_EQ(again->encryptionManager()->decrypt(*cipher), "token");
 }
 
-TEST(VORNSdkComponents, BehaviourAndNetworkAreNotAvailableYet) {
-  auto sink = testing::CaptureLogSink::install();
-  const VORNSdkComponents components(nullptr, nullptr);
-  EXPECT_EQ(components.behaviorManager(), nullptr);
-  EXPECT_EQ(components.createNetworkManager(nullptr), nullptr);
-  EXPECT_EQ(sink->messages(), (std::vector<std::string>{
-                                  "The behavior manager is not available in this build.",
-                                  "The network manager is not available in this build.",
-                              }));
+TEST(VORNSdkComponents, GiveTheSharedBehaviourManager) {
+  testing::installEphemeralPlatform();
+  const auto components = VORNSdkComponents::create(testing::FakeModuleConfig(ModuleName::cdp));
+  EXPECT_EQ(components->behaviorManager(), BehaviorManager::shared());
+}
+
+// Deadlines belong to the module: every network manager it makes sees them, and another
+// module's managers do not.
+TEST(VORNSdkComponents, NetworkManagersOfOneModuleShareTheirDeadlines) {
+  Platform platform = Platform::ephemeral();
+  auto transport = std::make_shared<testing::ScriptedHttpTransport>();
+  transport->setHandler([](const HttpRequest&) { return testing::httpAnswer(200); });
+  platform.http = transport;
+  Platform::install(platform);
+  const auto push = VORNSdkComponents::create(testing::FakeModuleConfig(ModuleName::push));
+  const auto request = WrappedRequest::Builder()
+                           .method("POST")
+                           .url("http://127.0.0.1:9/v1/events")
+                           .name("events")
+                           .rateLimit(60)
+                           .build();
+  ASSERT_TRUE(request.has_value());
+  EXPECT_TRUE(
+      push->createNetworkManager(nullptr)->executeSync(*request).wrappedResponse.isSuccess());
+
+  EXPECT_TRUE(push->createNetworkManager(nullptr)->isBlockedByRetryAfter("events"));
+  const auto cdp = VORNSdkComponents::create(testing::FakeModuleConfig(ModuleName::cdp));
+  EXPECT_FALSE(cdp->createNetworkManager(nullptr)->isBlockedByRetryAfter("events"));
+  EXPECT_EQ(transport->requestCount(), 1u);
 }
 
 TEST(InitializationState, RawValuesAreBytesInProgressOrder) {
