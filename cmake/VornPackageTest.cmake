@@ -1,5 +1,5 @@
-# Run with cmake -P: installs the build tree into a scratch prefix, then configures, builds
-# and runs the consumer project in tests/package against it.
+# Run with cmake -P: installs the build tree into a scratch prefix, then configures and builds
+# the project in SOURCE_DIR against it, and runs its program RUN when one is named.
 foreach(var BUILD_DIR SOURCE_DIR WORK_DIR)
   if(NOT DEFINED ${var})
     message(FATAL_ERROR "${var} is required")
@@ -18,4 +18,6 @@ run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G Ninja
     -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
-run(${WORK_DIR}/build/consumer)
+if(DEFINED RUN)
+  run(${WORK_DIR}/build/${RUN})
+endif()
