@@ -18,7 +18,7 @@ test: build
 	@ctest --preset $(PRESET)
 
 demo: build
-	@build/$(PRESET)/examples/vorn_demo
+	@build/$(PRESET)/examples/vorn_demo --data build/$(PRESET)/demo-data
 
 bench: build
 	@for b in build/$(PRESET)/bench/vorn_*_bench; do $$b; done
