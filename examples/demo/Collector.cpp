@@ -13,7 +13,9 @@ nlohmann::json collectorCall(const std::string& baseUrl, const std::string& meth
   request.timeout = std::chrono::seconds(5);
   if (method != "GET")
     request.body = {'{', '}'};
-  request.headers = {{"Content-Type", "application/json"}};
+  // A connection kept for the next call would hold the collector's shutdown for its whole
+  // keep-alive time.
+  request.headers = {{"Content-Type", "application/json"}, {"Connection", "close"}};
   const vorn::HttpResult result = transport->perform(request);
   if (!result.response || !result.data)
     return nullptr;
