@@ -169,8 +169,8 @@ int firstRun(AppSession& app) {
   const auto shutdownStart = SteadyClock::now();
   app.shutDown();
   std::printf(
-      "\n  timing: start-up %.1f ms, consent+identity+tracking+upload %.1f ms, "
-      "shutdown %.1f ms\n",
+      "\n  timing: start-up %.1f ms, tracking %.1f ms (consent, identity, 8 events tracked "
+      "and 7 uploaded), shutdown %.1f ms\n",
       Milliseconds(started - start).count(), Milliseconds(tracked - started).count(),
       Milliseconds(SteadyClock::now() - shutdownStart).count());
   return app.checks().failures();
