@@ -66,6 +66,10 @@ bool AppSession::startUp(cdp::CdpSettings cdpSettings) {
 void AppSession::shutDown() {
   vorn::VORNSdk::tearDownModule(vorn::ModuleName::cdp);
   vorn::VORNSdk::tearDownModule(vorn::ModuleName::push);
+  // Teardown runs on the modules' queues; the demo times it to its end.
+  checks_.waitFor(
+      [&] { return sink_->saw("Module torn down.") && sink_->saw("Push module torn down."); },
+      "both modules torn down");
 }
 
 std::int64_t AppSession::counter(const std::string& module, const std::string& key) {

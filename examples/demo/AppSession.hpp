@@ -22,7 +22,7 @@ class AppSession {
 
   /// Starts both modules with these customer-data settings; true once both are operational.
   bool startUp(cdp::CdpSettings cdpSettings);
-  /// Tears both modules down.
+  /// Tears both modules down and waits until both have finished.
   void shutDown();
 
   /// A counter the module reports in its state properties; -1 when absent.
