@@ -20,8 +20,10 @@ test: build
 demo: build
 	@build/$(PRESET)/examples/vorn_demo --data build/$(PRESET)/demo-data
 
+# Every bench program, JSON results in build/$(PRESET)/bench-results/, then one table of each
+# figure against its floor.
 bench: build
-	@for b in build/$(PRESET)/bench/vorn_*_bench; do $$b; done
+	@bench/run.sh build/$(PRESET)
 
 format:
 	@git ls-files '*.cpp' '*.hpp' '*.h' | xargs clang-format -i

@@ -1,15 +1,18 @@
 // SDK start-up and state, on the default SQLite backends: the time from initializeSdk() to
 // READY with two modules that start at once (in a fresh data directory, where the key store
 // and the registration ids are made, and in a warm one, where they are read), the cost of
-// initializeSdk() on the caller's thread, and the cost of state(). The start-up's deliberate
-// waits never run here: the key store answers the first probe and the modules report at
-// once, so the wait for them ends as soon as both have.
+// initializeSdk() on the caller's thread (against a raw hand-off of a configuration-sized
+// closure to one worker thread), and the cost of state(). The start-up's deliberate waits
+// never run here: the key store answers the first probe and the modules report at once, so the
+// wait for them ends as soon as both have.
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "RawFloors.hpp"
 #include "vorn/core/ConfigBuilder.hpp"
 #include "vorn/platform/Platform.hpp"
 #include "vorn/sdk/VORNSdk.hpp"
@@ -107,6 +110,28 @@ void BM_InitializeSdkCall(benchmark::State& state) {
     state.SkipWithError("start-up queue did not drain");
 }
 BENCHMARK(BM_InitializeSdkCall);
+
+// What the call must do at least: copy a configuration's worth of shared pointers and
+// callbacks into a closure and hand it to one worker thread.
+void BM_Floor_InitializeSdkHandOff(benchmark::State& state) {
+  struct RawConfig {
+    std::shared_ptr<const int> push;
+    std::shared_ptr<const int> cdp;
+    std::function<void(int)> pushReport;
+    std::function<void(int)> cdpReport;
+  };
+  const RawConfig config{std::make_shared<int>(1), std::make_shared<int>(2), [](int) {},
+                         [](int) {}};
+  rawfloor::Queue queue;
+  for (auto _ : state) {
+    RawConfig copy = config;
+    queue.async([copy = std::move(copy)] { benchmark::DoNotOptimize(copy.push.get()); });
+  }
+  rawfloor::Signal drained;
+  queue.async([&drained] { drained.raise(); });
+  drained.waitAndReset();
+}
+BENCHMARK(BM_Floor_InitializeSdkHandOff);
 
 void BM_State(benchmark::State& state) {
   registerModules();

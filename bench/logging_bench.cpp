@@ -1,10 +1,13 @@
 // The cost of a log line at a call site whose message concatenates three pieces: disabled
-// (the normal state of a shipped app), against building the same string eagerly, and
-// enabled with a sink that drops the line.
+// (the normal state of a shipped app) and filtered out by category, each against one relaxed
+// atomic load and test; enabled with a sink that drops the line, against building the same
+// string and handing it to a sink under a mutex.
 #include <benchmark/benchmark.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 #include <string>
 
@@ -45,7 +48,21 @@ class NullSink : public vorn::LogOutputter {
   void out(vorn::LogLevel, std::string_view, vorn::LoggerCategory,
            std::string_view message) override {
     benchmark::DoNotOptimize(message.data());
+    lines.fetch_add(1, std::memory_order_relaxed);
   }
+  std::atomic<long> lines{0};
+};
+
+// The floor's sink: a plain virtual call, as any pluggable sink needs.
+class RawSink {
+ public:
+  virtual ~RawSink() = default;
+  virtual void out(std::string_view message) = 0;
+};
+
+class RawNullSink : public RawSink {
+ public:
+  void out(std::string_view message) override { benchmark::DoNotOptimize(message.data()); }
 };
 
 const std::string kName = "cdp";
@@ -61,15 +78,32 @@ void BM_DisabledLogLine(benchmark::State& state) {
 }
 BENCHMARK(BM_DisabledLogLine);
 
-void BM_EagerStringBuild(benchmark::State& state) {
+// The floor of a disabled or filtered line: one relaxed load of a gate word and a bit test.
+void BM_Floor_AtomicGateTest(benchmark::State& state) {
+  static std::atomic<std::uint32_t> gate{0};
   const long before = gAllocations.load();
   for (auto _ : state) {
-    std::string message = "Cancelling all operations in the " + kName + " queue.";
-    benchmark::DoNotOptimize(message.data());
+    const bool on = (gate.load(std::memory_order_relaxed) & 0x10u) != 0;
+    benchmark::DoNotOptimize(on);
   }
   reportAllocations(state, before);
 }
-BENCHMARK(BM_EagerStringBuild);
+BENCHMARK(BM_Floor_AtomicGateTest);
+
+// The floor of an enabled line: the message built, then passed to a sink under a mutex.
+void BM_Floor_BuildLineToSinkUnderMutex(benchmark::State& state) {
+  std::mutex mutex;
+  RawNullSink sink;
+  RawSink& out = sink;
+  const long before = gAllocations.load();
+  for (auto _ : state) {
+    std::string message = "Cancelling all operations in the " + kName + " queue.";
+    std::lock_guard lock(mutex);
+    out.out(message);
+  }
+  reportAllocations(state, before);
+}
+BENCHMARK(BM_Floor_BuildLineToSinkUnderMutex);
 
 void BM_FilteredOutCategory(benchmark::State& state) {
   vorn::VORNSdk::setLogger(vorn::LogLevel::debug, std::make_shared<NullSink>(),
@@ -85,13 +119,16 @@ void BM_FilteredOutCategory(benchmark::State& state) {
 BENCHMARK(BM_FilteredOutCategory);
 
 void BM_EnabledLogLineToNullSink(benchmark::State& state) {
-  vorn::VORNSdk::setLogger(vorn::LogLevel::debug, std::make_shared<NullSink>());
+  const auto sink = std::make_shared<NullSink>();
+  vorn::VORNSdk::setLogger(vorn::LogLevel::debug, sink);
   const long before = gAllocations.load();
   for (auto _ : state) {
     VORN_LOG_DEBUG(vorn::LoggerCategory::sdk,
                    "Cancelling all operations in the " + kName + " queue.");
   }
   reportAllocations(state, before);
+  if (sink->lines.load() < static_cast<long>(state.iterations()))
+    state.SkipWithError("lines did not reach the sink");
   vorn::VORNSdk::setLogger(vorn::LogLevel::none, nullptr);
 }
 BENCHMARK(BM_EnabledLogLineToNullSink);

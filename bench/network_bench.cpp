@@ -1,14 +1,19 @@
-// Sequential HTTP exchanges on a kept-alive loopback connection: the libcurl transport next
-// to raw libcurl with one reused easy handle, the floor the transport's pool, option setup
-// and result building are measured against. Run: build/<dir>/bench/vorn_network_bench
+// Sequential HTTP exchanges on a kept-alive loopback connection: the libcurl transport and the
+// network manager next to raw libcurl with one reused easy handle, the floor the transport's
+// pool, option setup and result building (and the manager's checks) are measured against; and
+// the Retry-After check of a name without deadlines next to the two encrypted key look-ups it
+// comes down to, done with EVP and SQLite (or a mutex and a map) directly.
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 
 #include <cstddef>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <numeric>
 #include <string>
 
+#include "RawFloors.hpp"
 #include "support/LoopbackServer.hpp"
 #include "vorn/network/NetworkManager.hpp"
 #include "vorn/platform/DefaultsStore.hpp"
@@ -134,6 +139,37 @@ void BM_IsBlockedByRetryAfterNoDeadlines(benchmark::State& state) {
     benchmark::DoNotOptimize(manager->isBlockedByRetryAfter("events"));
 }
 BENCHMARK(BM_IsBlockedByRetryAfterNoDeadlines)->Arg(0)->Arg(1);
+
+// Two look-ups of keys that hold nothing, each key made as secure preferences make theirs
+// (UTF-16 text, AES-256-CBC, base64). state.range(0): 0 = a map under a mutex, 1 = a SQLite
+// point read on a table shaped like the defaults store's.
+void BM_Floor_IsBlockedNoDeadlines(benchmark::State& state) {
+  const vorn::testing::TemporaryDirectory dir;
+  const bool onFile = state.range(0) == 1;
+  rawfloor::Entries entries(dir.path() / "raw.db");
+  std::mutex mutex;
+  const std::map<std::string, rawfloor::Bytes, std::less<>> memory;
+  rawfloor::Aes aes;
+  rawfloor::Bytes plain;
+  rawfloor::Bytes cipher;
+  rawfloor::Bytes value;
+  const std::string suite = "com.quorvantis.tessarine_bench";
+  const auto absent = [&](std::string_view key) {
+    rawfloor::utf16Encode(key, plain);
+    aes.encrypt(plain, cipher);
+    const std::string stored = rawfloor::base64(cipher);
+    if (onFile)
+      return !entries.read(suite, stored, value);
+    std::lock_guard lock(mutex);
+    return memory.find(stored) == memory.end();
+  };
+  for (auto _ : state) {
+    const std::string name = "events";
+    const bool blocked = !absent("retry_server_" + name) || !absent("retry_device_" + name);
+    benchmark::DoNotOptimize(blocked);
+  }
+}
+BENCHMARK(BM_Floor_IsBlockedNoDeadlines)->Arg(0)->Arg(1);
 
 }  // namespace
 

@@ -1,20 +1,16 @@
-// Secure preferences and text encryption against the parts they are made of, measured in
-// the same run: a raw SQLite upsert / point read (WAL, synchronous NORMAL, prepared
-// statements reused) and a raw AES-256-CBC call (cipher fetched once, context reused).
-// A secure-prefs write costs about two AES calls and one upsert; a read one AES
-// encryption, one decryption and one point read.
+// Secure preferences and text encryption, each next to its floor: the same work done with the
+// bare parts (UTF-16 text, AES-256-CBC through EVP with a reused context, base64 of the
+// encrypted key, a prepared SQLite upsert or point read on a WAL database).
+// A secure-prefs write encrypts the key and the value and upserts; a read encrypts the key,
+// reads the row and decrypts the value.
 
 #include <benchmark/benchmark.h>
-#include <openssl/evp.h>
-#include <sqlite3.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "RawFloors.hpp"
 #include "vorn/platform/Platform.hpp"
-#include "vorn/storage/crypto/Base64.hpp"
 #include "vorn/storage/crypto/UnicodeEncoding.hpp"
 #include "vorn/storage/crypto/VORNEncryptionKey.hpp"
 #include "vorn/storage/prefs/EncryptionManager.hpp"
@@ -27,6 +23,7 @@ using vorn::Bytes;
 
 constexpr int kKeys = 1000;
 const std::string kText20 = "abcdefghij0123456789";
+const std::string kSuite = "com.quorvantis.tessarine_B_R_bench";
 
 const std::filesystem::path& benchDirectory() {
   static const auto* dir = new vorn::testing::TemporaryDirectory;
@@ -42,201 +39,167 @@ std::shared_ptr<vorn::EncryptionManager> manager() {
 std::shared_ptr<vorn::SecurePrefs> filePrefs() {
   static const auto prefs = [] {
     auto store = vorn::Platform::defaultPlatform(benchDirectory()).defaults;
-    return std::make_shared<vorn::SecurePrefs>(store->suite("com.quorvantis.tessarine_B_R_bench"),
-                                               manager());
+    return std::make_shared<vorn::SecurePrefs>(store->suite(kSuite), manager());
   }();
   return prefs;
 }
 
-std::string keyName(int i) {
+std::string keyName(std::uint64_t i) {
   return "key-" + std::to_string(i % kKeys);
 }
 
-// The raw SQLite baseline: one table shaped like the defaults store's.
-class RawSqlite {
- public:
-  RawSqlite() {
-    const std::string path = (benchDirectory() / "raw.db").string();
-    sqlite3_open(path.c_str(), &db_);
-    sqlite3_exec(db_, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
-    sqlite3_exec(db_, "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
-    sqlite3_exec(db_,
-                 "CREATE TABLE IF NOT EXISTS entries(suite TEXT NOT NULL, key TEXT NOT NULL, "
-                 "value BLOB, PRIMARY KEY(suite, key))",
-                 nullptr, nullptr, nullptr);
-    sqlite3_prepare_v2(db_,
-                       "INSERT INTO entries(suite, key, value) VALUES(?1, ?2, ?3) "
-                       "ON CONFLICT(suite, key) DO UPDATE SET value = excluded.value",
-                       -1, &upsert_, nullptr);
-    sqlite3_prepare_v2(db_, "SELECT value FROM entries WHERE suite = ?1 AND key = ?2", -1, &select_,
-                       nullptr);
-  }
-
-  void write(const std::string& key, const Bytes& value) {
-    sqlite3_bind_text(upsert_, 1, "suite", -1, SQLITE_STATIC);
-    sqlite3_bind_text(upsert_, 2, key.c_str(), static_cast<int>(key.size()), SQLITE_STATIC);
-    sqlite3_bind_blob(upsert_, 3, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
-    sqlite3_step(upsert_);
-    sqlite3_reset(upsert_);
-  }
-
-  Bytes read(const std::string& key) {
-    sqlite3_bind_text(select_, 1, "suite", -1, SQLITE_STATIC);
-    sqlite3_bind_text(select_, 2, key.c_str(), static_cast<int>(key.size()), SQLITE_STATIC);
-    Bytes out;
-    if (sqlite3_step(select_) == SQLITE_ROW) {
-      const auto* data = static_cast<const std::uint8_t*>(sqlite3_column_blob(select_, 0));
-      out.assign(data, data + sqlite3_column_bytes(select_, 0));
-    }
-    sqlite3_reset(select_);
-    return out;
-  }
-
- private:
-  sqlite3* db_ = nullptr;
-  sqlite3_stmt* upsert_ = nullptr;
-  sqlite3_stmt* select_ = nullptr;
-};
-
-RawSqlite& rawSqlite() {
-  static RawSqlite* raw = new RawSqlite();
-  return *raw;
+// The floor's own database file beside the library's, same table shape and settings.
+rawfloor::Entries& rawEntries() {
+  static auto* entries = new rawfloor::Entries(benchDirectory() / "raw.db");
+  return *entries;
 }
 
-// The raw AES baseline: AES-256-CBC with PKCS#7, cipher fetched once, one context reused.
-class RawAes {
+// The floor of a secure-prefs write, from its parts.
+class RawSecureWrite {
  public:
-  RawAes() : key_(32, 7), iv_(16, 9) {
-    cipher_ = EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr);
-    context_ = EVP_CIPHER_CTX_new();
+  bool write(std::string_view value, std::string_view key) {
+    rawfloor::utf16Encode(key, plain_);
+    aes_.encrypt(plain_, cipher_);
+    const std::string storedKey = rawfloor::base64(cipher_);
+    rawfloor::utf16Encode(value, plain_);
+    aes_.encrypt(plain_, cipher_);
+    return rawEntries().writeBlob(kSuite, storedKey, cipher_);
   }
 
-  Bytes encrypt(const Bytes& plain) {
-    Bytes out(plain.size() + 16);
-    int n = 0;
-    int tail = 0;
-    EVP_EncryptInit_ex(context_, cipher_, nullptr, key_.data(), iv_.data());
-    EVP_EncryptUpdate(context_, out.data(), &n, plain.data(), static_cast<int>(plain.size()));
-    EVP_EncryptFinal_ex(context_, out.data() + n, &tail);
-    out.resize(static_cast<std::size_t>(n + tail));
-    return out;
+  std::optional<std::string> read(std::string_view key) {
+    rawfloor::utf16Encode(key, plain_);
+    aes_.encrypt(plain_, cipher_);
+    if (!rawEntries().read(kSuite, rawfloor::base64(cipher_), stored_) ||
+        !aes_.decrypt(stored_, plain_))
+      return std::nullopt;
+    return rawfloor::utf16Decode(plain_);
   }
 
  private:
-  Bytes key_;
-  Bytes iv_;
-  EVP_CIPHER* cipher_ = nullptr;
-  EVP_CIPHER_CTX* context_ = nullptr;
+  rawfloor::Aes aes_;
+  Bytes plain_;
+  Bytes cipher_;
+  Bytes stored_;
 };
 
+// Every write stores a value never stored before: rewriting equal bytes would time a no-op.
 void BM_SecurePrefsSetString(benchmark::State& state) {
   auto prefs = filePrefs();
-  int i = 0;
+  static std::uint64_t written = 0;  // across runs of this benchmark too
   for (auto _ : state) {
-    benchmark::DoNotOptimize(prefs->setString(kText20, keyName(i++)));
+    if (!prefs->setString(rawfloor::distinctText20(written), keyName(written))) {
+      state.SkipWithError("write failed");
+      break;
+    }
+    ++written;
   }
-  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_SecurePrefsSetString);
 
-void BM_RawSqliteUpsert(benchmark::State& state) {
-  auto& raw = rawSqlite();
-  const Bytes value(48, 0x5A);
-  int i = 0;
+void BM_Floor_SecurePrefsSetString(benchmark::State& state) {
+  RawSecureWrite raw;
+  static std::uint64_t written = 0;
   for (auto _ : state) {
-    // A stored key is the 44-character base64 text of two cipher blocks.
-    raw.write(keyName(i++) + std::string(36, '='), value);
+    if (!raw.write(rawfloor::distinctText20(written), keyName(written))) {
+      state.SkipWithError("write failed");
+      break;
+    }
+    ++written;
   }
-  state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(BM_RawSqliteUpsert);
+BENCHMARK(BM_Floor_SecurePrefsSetString);
 
+// Reads cycle over 1000 stored keys and check the value read back, so nothing is skipped.
 void BM_SecurePrefsStringFor(benchmark::State& state) {
   auto prefs = filePrefs();
-  for (int k = 0; k < kKeys; ++k) {
+  for (int k = 0; k < kKeys; ++k)
     prefs->setString(kText20, keyName(k));
-  }
-  int i = 0;
+  std::uint64_t i = 0;
   for (auto _ : state) {
-    auto value = prefs->stringFor(keyName(i++));
-    if (value != kText20) {
+    if (prefs->stringFor(keyName(i++)) != kText20) {
       state.SkipWithError("stored value did not read back");
       break;
     }
   }
-  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_SecurePrefsStringFor);
 
-void BM_RawSqlitePointRead(benchmark::State& state) {
-  auto& raw = rawSqlite();
-  const Bytes value(48, 0x5A);
-  for (int k = 0; k < kKeys; ++k) {
-    raw.write(keyName(k) + std::string(36, '='), value);
-  }
-  int i = 0;
+void BM_Floor_SecurePrefsStringFor(benchmark::State& state) {
+  RawSecureWrite raw;
+  for (int k = 0; k < kKeys; ++k)
+    raw.write(kText20, keyName(k));
+  std::uint64_t i = 0;
   for (auto _ : state) {
-    benchmark::DoNotOptimize(raw.read(keyName(i++) + std::string(36, '=')));
+    if (raw.read(keyName(i++)) != kText20) {
+      state.SkipWithError("stored value did not read back");
+      break;
+    }
   }
-  state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(BM_RawSqlitePointRead);
-
-// The defaults store's own read of one stored entry, to split a secure-prefs read between
-// the store and the encryption around it.
-void BM_DefaultsStoreDataFor(benchmark::State& state) {
-  auto prefs = filePrefs();
-  prefs->setString(kText20, "probe");
-  const std::string storedKey = vorn::base64Encode(manager()->encrypt("probe").value());
-  const auto& suite = filePrefs()->suiteName();
-  auto store = vorn::Platform::defaultPlatform(benchDirectory()).defaults;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(store->dataFor(suite, storedKey));
-  }
-  state.SetItemsProcessed(state.iterations());
-}
-BENCHMARK(BM_DefaultsStoreDataFor);
+BENCHMARK(BM_Floor_SecurePrefsStringFor);
 
 void BM_EncryptionManagerEncrypt20(benchmark::State& state) {
   auto encryption = manager();
-  for (auto _ : state) {
+  for (auto _ : state)
     benchmark::DoNotOptimize(encryption->encrypt(kText20));
-  }
-  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_EncryptionManagerEncrypt20);
+
+// The same 20 characters as UTF-16 behind a mark (42 bytes), through the bare cipher.
+void BM_Floor_Utf16Aes256Encrypt20(benchmark::State& state) {
+  rawfloor::Aes aes;
+  Bytes plain;
+  for (auto _ : state) {
+    Bytes out;
+    rawfloor::utf16Encode(kText20, plain);
+    aes.encrypt(plain, out);
+    benchmark::DoNotOptimize(out.data());
+  }
+}
+BENCHMARK(BM_Floor_Utf16Aes256Encrypt20);
 
 void BM_EncryptionManagerDecrypt20(benchmark::State& state) {
   auto encryption = manager();
   const Bytes cipher = encryption->encrypt(kText20).value();
-  for (auto _ : state) {
+  for (auto _ : state)
     benchmark::DoNotOptimize(encryption->decrypt(cipher));
-  }
-  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_EncryptionManagerDecrypt20);
 
-// The same 42 plaintext bytes (mark + 20 UTF-16 units) through the bare cipher.
-void BM_RawAes256Cbc42Bytes(benchmark::State& state) {
-  RawAes aes;
-  const Bytes plain = vorn::encodeUnicode(kText20).value();
+void BM_Floor_Aes256DecryptUtf16_20(benchmark::State& state) {
+  rawfloor::Aes aes;
+  Bytes plain;
+  rawfloor::utf16Encode(kText20, plain);
+  Bytes cipher;
+  aes.encrypt(plain, cipher);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(aes.encrypt(plain));
+    aes.decrypt(cipher, plain);
+    std::string text = rawfloor::utf16Decode(plain);
+    benchmark::DoNotOptimize(text.data());
   }
-  state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(BM_RawAes256Cbc42Bytes);
+BENCHMARK(BM_Floor_Aes256DecryptUtf16_20);
 
-// The key layer's own AES call on the same bytes, to split the cost between layers.
+// The key layer's own AES call on the 42 plaintext bytes, without the text encoding.
 void BM_KeyEncryptData42Bytes(benchmark::State& state) {
   auto key = manager()->encryptionKey();
   const Bytes plain = vorn::encodeUnicode(kText20).value();
-  for (auto _ : state) {
+  for (auto _ : state)
     benchmark::DoNotOptimize(key->encryptData(plain));
-  }
-  state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_KeyEncryptData42Bytes);
+
+void BM_Floor_Aes256Cbc42Bytes(benchmark::State& state) {
+  rawfloor::Aes aes;
+  Bytes plain;
+  rawfloor::utf16Encode(kText20, plain);
+  for (auto _ : state) {
+    Bytes out;
+    aes.encrypt(plain, out);
+    benchmark::DoNotOptimize(out.data());
+  }
+}
+BENCHMARK(BM_Floor_Aes256Cbc42Bytes);
 
 }  // namespace
 
