@@ -56,16 +56,21 @@ inline std::string base64(const Bytes& in) {
   return out;
 }
 
-// AES-256-CBC with PKCS#7 padding: the cipher fetched once, one context per instance reused.
+// AES-256-CBC with PKCS#7 padding: the cipher fetched once and bound once to one context per
+// direction, so a call re-keys its context and runs; nothing is looked up or set up per call.
 class Aes {
  public:
   Aes(const Bytes& key, const Bytes& iv) : key_(key), iv_(iv) {
     cipher_ = EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr);
-    context_ = EVP_CIPHER_CTX_new();
+    encrypting_ = EVP_CIPHER_CTX_new();
+    decrypting_ = EVP_CIPHER_CTX_new();
+    EVP_EncryptInit_ex2(encrypting_, cipher_, nullptr, nullptr, nullptr);
+    EVP_DecryptInit_ex2(decrypting_, cipher_, nullptr, nullptr, nullptr);
   }
   Aes() : Aes(Bytes(32, 7), Bytes(16, 9)) {}
   ~Aes() {
-    EVP_CIPHER_CTX_free(context_);
+    EVP_CIPHER_CTX_free(decrypting_);
+    EVP_CIPHER_CTX_free(encrypting_);
     EVP_CIPHER_free(cipher_);
   }
   Aes(const Aes&) = delete;
@@ -75,9 +80,10 @@ class Aes {
     out.resize(size + 16);
     int n = 0;
     int tail = 0;
-    const bool ok = EVP_EncryptInit_ex2(context_, cipher_, key_.data(), iv_.data(), nullptr) == 1 &&
-                    EVP_EncryptUpdate(context_, out.data(), &n, in, static_cast<int>(size)) == 1 &&
-                    EVP_EncryptFinal_ex(context_, out.data() + n, &tail) == 1;
+    const bool ok =
+        EVP_EncryptInit_ex2(encrypting_, nullptr, key_.data(), iv_.data(), nullptr) == 1 &&
+        EVP_EncryptUpdate(encrypting_, out.data(), &n, in, static_cast<int>(size)) == 1 &&
+        EVP_EncryptFinal_ex(encrypting_, out.data() + n, &tail) == 1;
     out.resize(static_cast<std::size_t>(n + tail));
     return ok;
   }
@@ -87,9 +93,10 @@ class Aes {
     out.resize(size + 16);
     int n = 0;
     int tail = 0;
-    const bool ok = EVP_DecryptInit_ex2(context_, cipher_, key_.data(), iv_.data(), nullptr) == 1 &&
-                    EVP_DecryptUpdate(context_, out.data(), &n, in, static_cast<int>(size)) == 1 &&
-                    EVP_DecryptFinal_ex(context_, out.data() + n, &tail) == 1;
+    const bool ok =
+        EVP_DecryptInit_ex2(decrypting_, nullptr, key_.data(), iv_.data(), nullptr) == 1 &&
+        EVP_DecryptUpdate(decrypting_, out.data(), &n, in, static_cast<int>(size)) == 1 &&
+        EVP_DecryptFinal_ex(decrypting_, out.data() + n, &tail) == 1;
     out.resize(ok ? static_cast<std::size_t>(n + tail) : 0);
     return ok;
   }
@@ -99,7 +106,8 @@ class Aes {
   Bytes key_;
   Bytes iv_;
   EVP_CIPHER* cipher_ = nullptr;
-  EVP_CIPHER_CTX* context_ = nullptr;
+  EVP_CIPHER_CTX* encrypting_ = nullptr;
+  EVP_CIPHER_CTX* decrypting_ = nullptr;
 };
 
 // One SQLite connection as the library's stores open theirs (WAL, synchronous NORMAL), with
