@@ -33,6 +33,7 @@
 #include "vorn/core/ModuleQueues.hpp"
 #include "vorn/core/ModuleRegistrar.hpp"
 #include "vorn/core/ModuleRegistry.hpp"
+#include "vorn/core/ModuleSettingsParsers.hpp"
 #include "vorn/core/VORNModule.hpp"
 #include "vorn/core/VORNSdkComponents.hpp"
 #include "vorn/events/CartEvent.hpp"
