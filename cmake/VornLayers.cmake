@@ -9,7 +9,7 @@
 set(VORN_LAYERS
     base runtime logging platform events messaging
     storage/crypto storage/keychain storage/keystore storage/prefs
-    network behavior identity core facades sdk)
+    network behavior identity core facades sdk capi)
 
 # The headers of one layer, relative to the include root they are included from.
 function(vorn_layer_headers layer out)
