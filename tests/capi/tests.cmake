@@ -27,3 +27,11 @@ if(VORN_PYTHON3 AND VORN_SANITIZE STREQUAL "")
                    ${VORN_CAPI_CDP_LIBRARY})
   set_tests_properties(capi.python_ctypes PROPERTIES LABELS capi TIMEOUT 60)
 endif()
+
+# The GoogleTest cases reach the reference modules' settings parsers by loading the libraries.
+if(VORN_BUILD_EXAMPLES)
+  target_compile_definitions(vorn_capi_tests PRIVATE
+                             VORN_CDP_LIBRARY="$<TARGET_FILE:vornsdk_cdp>"
+                             VORN_PUSH_LIBRARY="$<TARGET_FILE:vornsdk_push>")
+  add_dependencies(vorn_capi_tests vornsdk_cdp vornsdk_push)
+endif()
