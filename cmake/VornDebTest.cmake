@@ -102,13 +102,15 @@ if(NOT dev_depends MATCHES "(^|, )${runtime_name} \\(= ${VERSION}\\)(,|$)"
   fail("${dev_name} Depends is '${dev_depends}'")
 endif()
 
-# Unpacked, no file (the stripped library included) names the source or build folder.
+# Unpacked, no file made by the build (the stripped libraries, the CMake package, the .pc)
+# names the source or build folder. The headers are copied as written and are left out: their
+# comments hold relative paths that a short folder name ("/src") would match.
 set(root ${WORK_DIR}/root)
 run(ignored dpkg-deb -x ${runtime_deb} ${root})
 run(ignored dpkg-deb -x ${dev_deb} ${root})
-file(GLOB_RECURSE unpacked ${root}/*)
+file(GLOB_RECURSE unpacked ${root}/usr/lib/*)
 foreach(folder IN ITEMS ${SOURCE_DIR} ${BUILD_DIR})
-  string(REGEX REPLACE "([][+.*()^$?|\\\\])" "\\\\\\1" pattern "${folder}")
+  string(REGEX REPLACE "([][+.*()^$?|\\\\])" "\\\\\\1" pattern "${folder}/")
   foreach(file IN LISTS unpacked)
     if(NOT IS_SYMLINK ${file})
       file(STRINGS ${file} hits REGEX "${pattern}" LIMIT_COUNT 1)
