@@ -10,9 +10,9 @@
 // Durability: once a setter returns true, the value survives a crash of the app process.
 // Setters answer false (and log) only when the backend cannot write.
 //
-// Backends: defaults.db in the data directory (openFile), and an ephemeral in-memory store
-// (inMemory). suite() and standard() give a DefaultsSuite, a small handle bound to one
-// domain, for code that works on a single domain.
+// Backends: defaults.db in the data directory (openFile), the same file for reading only
+// (openFileReadOnly), and an ephemeral in-memory store (inMemory). suite() and standard() give a
+// DefaultsSuite, a small handle bound to one domain, for code that works on a single domain.
 //
 // Thread safety: every member function may be called from any thread; each call is atomic.
 #pragma once
@@ -49,6 +49,13 @@ class VORN_API DefaultsStore : public std::enable_shared_from_this<DefaultsStore
   /// untouched: the store logs it once, fails every call and tries to open it again on the
   /// next, so it recovers when the file becomes readable.
   static std::shared_ptr<DefaultsStore> openFile(const std::filesystem::path& directory);
+  /// Opens an existing `directory`/defaults.db for reading only, for tools that look at an
+  /// app's store while the app may be running: nothing in the directory is created, changed
+  /// or checkpointed. Reads answer as with openFile(); every setter and remover answers false
+  /// (with an error line) and changes nothing. Opened while no app has the file open, it
+  /// reads the file as it was then, without the changes of an app that opens it later. Null
+  /// (and nothing logged) when the file does not exist.
+  static std::shared_ptr<DefaultsStore> openFileReadOnly(const std::filesystem::path& directory);
   /// A store that lives as long as the returned object; nothing touches the disk.
   static std::shared_ptr<DefaultsStore> inMemory();
 

@@ -10,9 +10,9 @@
 // report (errSecNotAvailable when its file cannot be used, errSecInteractionNotAllowed when
 // the device is locked, ...).
 //
-// Backends: keychain.db in the data directory (openFile) and an ephemeral in-memory store
-// (inMemory). Tests wrap either in vorn::testing::FaultyKeychainStore to answer any call
-// with any status.
+// Backends: keychain.db in the data directory (openFile), the same file for reading only
+// (openFileReadOnly) and an ephemeral in-memory store (inMemory). Tests wrap either in
+// vorn::testing::FaultyKeychainStore to answer any call with any status.
 //
 // Exclusive sections: exclusively() runs a function while no other section of the same store
 // runs, in this process or in another process using the same file, so that code can read,
@@ -48,6 +48,13 @@ class VORN_API KeychainStore {
   /// reason is logged. A file SQLite refuses (damaged, locked) is left untouched: the store
   /// logs it once, fails every call and tries to open it again on the next.
   static std::shared_ptr<KeychainStore> openFile(const std::filesystem::path& directory);
+  /// Opens an existing `directory`/keychain.db for reading only, for tools that look at an
+  /// app's store while the app may be running: nothing in the directory is created, changed
+  /// or checkpointed. Reads answer as with openFile(); add, update, remove, storeKey,
+  /// deleteKey and exclusively() fail with errSecNotAvailable and change nothing. Opened
+  /// while no app has the file open, it reads the file as it was then, without the changes
+  /// of an app that opens it later. Null (and nothing logged) when the file does not exist.
+  static std::shared_ptr<KeychainStore> openFileReadOnly(const std::filesystem::path& directory);
   /// A store that lives as long as the returned object; nothing touches the disk.
   static std::shared_ptr<KeychainStore> inMemory();
 

@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "platform/FileModes.hpp"
+#include "platform/sqlite/ReadOnlyOpen.hpp"
 #include "platform/sqlite/WalCheck.hpp"
 #include "vorn/logging/Log.hpp"
 #include "vorn/runtime/Durations.hpp"
@@ -42,7 +43,19 @@ std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const std::filesystem::path
     VORN_LOG_FAULT(LoggerCategory::database, storeFailure(file, problem));
     return nullptr;
   }
-  std::unique_ptr<SqliteDatabase> db(new SqliteDatabase(std::move(file), schema));
+  std::unique_ptr<SqliteDatabase> db(new SqliteDatabase(std::move(file), schema, false));
+  db->connect();
+  db->log().write();
+  return db;
+}
+
+std::unique_ptr<SqliteDatabase> SqliteDatabase::openReadOnly(const std::filesystem::path& directory,
+                                                             std::string_view fileName) {
+  auto file = directory / fileName;
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error))
+    return nullptr;
+  std::unique_ptr<SqliteDatabase> db(new SqliteDatabase(std::move(file), nullptr, true));
   db->connect();
   db->log().write();
   return db;
@@ -57,16 +70,20 @@ bool SqliteDatabase::connect() {
     checkWal();
   sqlite3* raw = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-  const int opened = ensurePrivateFile(file_) ? sqlite3_open_v2(file_.c_str(), &raw, flags, nullptr)
-                                              : SQLITE_CANTOPEN;
+  const int opened = readOnly_ ? openReadOnlyConnection(file_, &raw)
+                     : ensurePrivateFile(file_)
+                         ? sqlite3_open_v2(file_.c_str(), &raw, flags, nullptr)
+                         : SQLITE_CANTOPEN;
   if (opened != SQLITE_OK || !prepareConnection(raw)) {
     connectionFailed(raw, opened != SQLITE_OK ? opened : sqlite3_errcode(raw));
     return false;
   }
   db_ = raw;
   connectFailure_ = SQLITE_OK;
-  restrictIfPresent(file_.string() + "-wal");
-  restrictIfPresent(file_.string() + "-shm");
+  if (!readOnly_) {
+    restrictIfPresent(file_.string() + "-wal");
+    restrictIfPresent(file_.string() + "-shm");
+  }
   return true;
 }
 
@@ -86,6 +103,8 @@ bool SqliteDatabase::prepareConnection(sqlite3* db) {
   const auto timeout =
       std::chrono::duration_cast<std::chrono::milliseconds>(durations::scaled(kBusyTimeout));
   sqlite3_busy_timeout(db, static_cast<int>(timeout.count()));
+  if (readOnly_)
+    return true;  // the file's journal mode and tables are the writer's business
   for (const char* sql : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL", schema_}) {
     if (sqlite3_exec(db, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
       return false;

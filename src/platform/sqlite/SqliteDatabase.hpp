@@ -8,6 +8,10 @@
 // Once connected, it stays connected. Before the first connection it checks the
 // write-ahead log and logs the changes that SQLite's recovery will drop (WalCheck.hpp).
 //
+// A database opened with openReadOnly() connects for reading only (ReadOnlyOpen.hpp): it
+// creates, changes and checkpoints nothing, runs no schema, and every write fails with
+// SQLITE_READONLY, which the owning store reports like any other failure.
+//
 // Failures are kept in log() rather than logged at once, because the owner calls in here
 // with its lock held (see DeferredLog.hpp).
 //
@@ -37,11 +41,17 @@ class SqliteDatabase {
   /// gives a database that connects later (see above), with the failure already logged.
   static std::unique_ptr<SqliteDatabase> open(const std::filesystem::path& directory,
                                               std::string_view fileName, const char* schema);
+  /// Connects to the existing `directory`/`fileName` for reading only; null (with nothing
+  /// logged) when the file does not exist. Nothing in the directory is created or changed.
+  static std::unique_ptr<SqliteDatabase> openReadOnly(const std::filesystem::path& directory,
+                                                      std::string_view fileName);
   ~SqliteDatabase();
 
   SqliteDatabase(const SqliteDatabase&) = delete;
   SqliteDatabase& operator=(const SqliteDatabase&) = delete;
 
+  /// Whether this database was opened with openReadOnly().
+  bool readOnly() const { return readOnly_; }
   /// Whether the connection is up, connecting first when it is not.
   bool connected();
   /// A cached statement for `sql`, reset and unbound; null when it cannot be prepared.
@@ -58,8 +68,8 @@ class SqliteDatabase {
   DeferredLog& log() { return log_; }
 
  private:
-  SqliteDatabase(std::filesystem::path file, const char* schema)
-      : file_(std::move(file)), schema_(schema) {}
+  SqliteDatabase(std::filesystem::path file, const char* schema, bool readOnly)
+      : file_(std::move(file)), schema_(schema), readOnly_(readOnly) {}
 
   bool connect();
   void checkWal();
@@ -67,7 +77,8 @@ class SqliteDatabase {
   void connectionFailed(sqlite3* db, int code);
 
   const std::filesystem::path file_;
-  const char* const schema_;
+  const char* const schema_;  // null for a read-only database
+  const bool readOnly_;
   sqlite3* db_ = nullptr;
   std::map<const char*, sqlite3_stmt*> statements_;
   int connectFailure_ = SQLITE_OK;  // the last failed connection's result code

@@ -57,6 +57,14 @@ std::shared_ptr<DefaultsStore> DefaultsStore::openFile(const std::filesystem::pa
   return std::make_shared<platform::SqliteDefaultsStore>(std::move(db));
 }
 
+std::shared_ptr<DefaultsStore> DefaultsStore::openFileReadOnly(
+    const std::filesystem::path& directory) {
+  auto db = platform::SqliteDatabase::openReadOnly(directory, kFileName);
+  if (!db)
+    return nullptr;
+  return std::make_shared<platform::SqliteDefaultsStore>(std::move(db));
+}
+
 namespace platform {
 
 bool SqliteDefaultsStore::failure() {

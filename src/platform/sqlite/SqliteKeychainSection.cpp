@@ -27,6 +27,14 @@ OSStatus SqliteKeychainStore::exclusively(const std::function<void()>& body) {
     body();
     return errSecSuccess;
   }
+  // A read-only connection may begin a transaction but excludes no writer, so a section there
+  // would promise what it cannot keep; and its body could not store a decision anyway.
+  if (db_->readOnly()) {
+    db_->log().add(LogLevel::error, [] {
+      return std::string("Keychain store failure: no exclusive section on a read-only store");
+    });
+    return errSecNotAvailable;
+  }
   // BEGIN IMMEDIATE takes the file's write lock now, waiting out another process's section
   // for up to the connection's busy time-out, so the body reads what that section wrote.
   if (!db_->execute("BEGIN IMMEDIATE"))

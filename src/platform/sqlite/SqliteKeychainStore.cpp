@@ -106,6 +106,14 @@ std::shared_ptr<KeychainStore> KeychainStore::openFile(const std::filesystem::pa
   return std::make_shared<platform::SqliteKeychainStore>(std::move(db));
 }
 
+std::shared_ptr<KeychainStore> KeychainStore::openFileReadOnly(
+    const std::filesystem::path& directory) {
+  auto db = platform::SqliteDatabase::openReadOnly(directory, kFileName);
+  if (!db)
+    return nullptr;
+  return std::make_shared<platform::SqliteKeychainStore>(std::move(db));
+}
+
 namespace platform {
 
 OSStatus SqliteKeychainStore::failure() {

@@ -10,7 +10,8 @@
 //
 // An exclusive section is one BEGIN IMMEDIATE transaction on the connection, which SQLite
 // locks against every other connection to the file; the mutex is held for the whole section,
-// so the section's own thread re-enters it and other threads wait.
+// so the section's own thread re-enters it and other threads wait. A store opened read-only
+// has no sections: exclusively() answers errSecNotAvailable without running the body.
 #pragma once
 
 #include <memory>
