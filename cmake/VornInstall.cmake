@@ -42,6 +42,9 @@ else()
   set(VORN_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
   set(VORN_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
 endif()
+# Threads is public as in the CMake package; with a C library that has them built in, the
+# flag is empty.
+string(STRIP "-L\${libdir} -lvornsdk ${CMAKE_THREAD_LIBS_INIT}" VORN_PC_LIBS)
 configure_file(cmake/vornsdk.pc.in ${CMAKE_CURRENT_BINARY_DIR}/vornsdk.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vornsdk.pc DESTINATION ${VORN_PC_DIR}
         COMPONENT development)
