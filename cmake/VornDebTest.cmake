@@ -2,9 +2,9 @@
 # which files went into which package and that none carries a path of the machine that built
 # it, then checks vornsdk.pc in the unpacked packages and under a `cmake --install` prefix,
 # and builds and runs a program with nothing but the flags pkg-config gives.
-# Required: BUILD_DIR, SOURCE_DIR, WORK_DIR, CPACK, CXX, VERSION, SOVERSION.
+# Required: BUILD_DIR, SOURCE_DIR, WORK_DIR, CPACK, CXX, CC, VERSION, SOVERSION.
 cmake_minimum_required(VERSION 3.25)
-foreach(var BUILD_DIR SOURCE_DIR WORK_DIR CPACK CXX VERSION SOVERSION)
+foreach(var BUILD_DIR SOURCE_DIR WORK_DIR CPACK CXX CC VERSION SOVERSION)
   if(NOT DEFINED ${var})
     message(FATAL_ERROR "${var} is required")
   endif()
@@ -178,5 +178,22 @@ run(ignored ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${deb_lib_dir} ${WORK_DIR}/p
 run(needed readelf -d ${WORK_DIR}/pc_consumer)
 if(NOT needed MATCHES "\\[libvornsdk\\.so\\.${SOVERSION}\\]")
   fail("the program does not load libvornsdk.so.${SOVERSION}:\n${needed}")
+endif()
+
+# The C bridge's header is in the same package and needs no other flags: a C program, linked
+# by the C compiler, runs on the packaged library too.
+if(EXISTS ${root}/usr/include/vorn/vorn.h)
+  file(WRITE ${WORK_DIR}/pc_c_consumer.c [=[
+#include <vorn/vorn.h>
+
+int main(void) {
+  return vorn_set_logger(VORN_LOG_ERROR, NULL, NULL) == VORN_OK &&
+                 vorn_get_log_level() == VORN_LOG_ERROR
+             ? 0
+             : 1;
+}
+]=])
+  run(ignored ${CC} -std=c11 ${WORK_DIR}/pc_c_consumer.c -o ${WORK_DIR}/pc_c_consumer ${deb_flags})
+  run(ignored ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${deb_lib_dir} ${WORK_DIR}/pc_c_consumer)
 endif()
 message(STATUS "${debs}: contents, Depends and pkg-config checked")
