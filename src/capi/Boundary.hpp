@@ -2,12 +2,24 @@
 // error result, and logs refusals of bad arguments, so that nothing crosses into C.
 #pragma once
 
+#include <cstring>
 #include <exception>
 #include <string_view>
 
 #include "vorn/vorn.h"
 
 namespace vorn::capi {
+
+/// The integer a C host passed for an enumeration. A C enum argument may hold any int, and in
+/// C++ reading a value outside the enumerators' range as the enum is undefined, so the bits
+/// are copied instead of loaded as the enum; the caller then checks the range.
+template <class CEnum>
+int rawEnum(const CEnum& value) noexcept {
+  static_assert(sizeof(CEnum) == sizeof(int));
+  int raw = 0;
+  std::memcpy(&raw, &value, sizeof raw);
+  return raw;
+}
 
 /// Logs "<function>: <reason>" as an error (category `sdk`). Never throws.
 void logFailure(std::string_view function, std::string_view reason) noexcept;

@@ -44,7 +44,7 @@ vorn_status vorn_cdp_get_consent(vorn_consent* consent) {
 vorn_status vorn_cdp_set_consent(vorn_consent consent) {
   constexpr std::string_view function = "vorn_cdp_set_consent";
   return guardedStatus(function, [&] {
-    const int raw = static_cast<int>(consent);
+    const int raw = vorn::capi::rawEnum(consent);
     if (raw < VORN_CONSENT_OPT_IN || raw > VORN_CONSENT_NONE)
       return refuse(function, VORN_ERROR_INVALID_ARGUMENT,
                     "unknown consent " + std::to_string(raw));

@@ -41,10 +41,11 @@ extern "C" {
 vorn_status vorn_set_logger(vorn_log_level level, vorn_log_sink sink, void* context) {
   constexpr std::string_view function = "vorn_set_logger";
   return vorn::capi::guardedStatus(function, [&] {
-    const auto logLevel = vorn::logLevelFrom(static_cast<int>(level));
+    const int raw = vorn::capi::rawEnum(level);
+    const auto logLevel = vorn::logLevelFrom(raw);
     if (!logLevel)
       return vorn::capi::refuse(function, VORN_ERROR_INVALID_ARGUMENT,
-                                "unknown log level " + std::to_string(static_cast<int>(level)));
+                                "unknown log level " + std::to_string(raw));
     std::shared_ptr<vorn::LogOutputter> outputter;
     if (sink != nullptr)
       outputter = std::make_shared<vorn::capi::CLogSink>(sink, context);
