@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <memory>
 
 #include "Checks.hpp"
 #include "Collector.hpp"
@@ -72,21 +73,30 @@ void checkSummary(Checks& checks, const json& summary) {
                 "the last registration carries the tags");
 }
 
+// Empties the data directory and starts the collector storing into it; null when it did not.
+std::unique_ptr<Collector> startInEmptyDirectory(const std::filesystem::path& dataDirectory,
+                                                 Checks& checks) {
+  std::filesystem::remove_all(dataDirectory);
+  std::filesystem::create_directories(dataDirectory);
+  auto collector = std::make_unique<Collector>(dataDirectory / "collector.db");
+  if (!checks.expect(!collector->url().empty(), "collector started"))
+    return nullptr;
+  return collector;
+}
+
 }  // namespace
 
 int runDemo(const std::filesystem::path& dataDirectory) {
-  std::filesystem::remove_all(dataDirectory);
-  std::filesystem::create_directories(dataDirectory);
   Checks checks;
-  Collector collector(dataDirectory / "collector.db");
-  if (!checks.expect(!collector.url().empty(), "collector started"))
+  const auto collector = startInEmptyDirectory(dataDirectory, checks);
+  if (!collector)
     return 1;
   for (const char* run : {"first", "second"}) {
     std::printf("\n== App run: %s\n", run);
-    Process app(selfPath(), appArguments(run, dataDirectory, collector.url()));
+    Process app(selfPath(), appArguments(run, dataDirectory, collector->url()));
     checks.expect(app.wait() == 0, std::string("the ") + run + " run passed its checks");
   }
-  const json summary = collector.summary();
+  const json summary = collector->summary();
   if (!checks.expect(summary.is_object(), "collector summary read"))
     return 1;
   printSummary(summary);
@@ -96,25 +106,23 @@ int runDemo(const std::filesystem::path& dataDirectory) {
 }
 
 int runKillTest(const std::filesystem::path& dataDirectory, int events) {
-  std::filesystem::remove_all(dataDirectory);
-  std::filesystem::create_directories(dataDirectory);
   Checks checks;
-  Collector collector(dataDirectory / "collector.db");
-  if (!checks.expect(!collector.url().empty(), "collector started"))
+  const auto collector = startInEmptyDirectory(dataDirectory, checks);
+  if (!collector)
     return 1;
   {
-    Process app(selfPath(), appArguments("track", dataDirectory, collector.url(), events));
+    Process app(selfPath(), appArguments("track", dataDirectory, collector->url(), events));
     const bool persisted =
         app.waitForLine("persisted " + std::to_string(events), std::chrono::seconds(60))
             .has_value();
     checks.expect(persisted, "the app has its events on disk");
     app.kill(SIGKILL);
   }
-  checks.expect(eventsNamed(collector.summary(), "Killed Run Event") == 0,
+  checks.expect(eventsNamed(collector->summary(), "Killed Run Event") == 0,
                 "nothing was uploaded before the kill");
-  Process app(selfPath(), appArguments("upload", dataDirectory, collector.url(), events));
+  Process app(selfPath(), appArguments("upload", dataDirectory, collector->url(), events));
   checks.expect(app.wait() == 0, "the next start passed its checks");
-  const json summary = collector.summary();
+  const json summary = collector->summary();
   checks.expect(
       eventsNamed(summary, "Killed Run Event") == events && summary["duplicateEventIds"] == 0,
       "every event of the killed run arrived exactly once");
