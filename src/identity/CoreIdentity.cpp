@@ -41,8 +41,12 @@ ModuleTexts operationalModuleTexts() {
 }
 
 // A module's text goes into the document unchanged, so it must be a JSON document of its
-// own: an object or an array. A bare scalar or malformed UTF-8 is refused.
+// own: an object or an array. A bare scalar or malformed UTF-8 is refused, and so is a
+// leading UTF-8 byte-order mark: the reader skips it at the start of a text, but inside the
+// document it is no JSON.
 bool isJsonDocument(const std::string& text) {
+  if (text.starts_with("\xEF\xBB\xBF"))
+    return false;
   const auto parsed = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
   return !parsed.is_discarded() && parsed.is_structured();
 }

@@ -54,6 +54,15 @@ TEST_F(IdentityTest, InvalidModuleTextIsLeftOut) {
                    "Invalid Json Module cdp Identity", "Invalid Json Module push Identity"}));
 }
 
+TEST_F(IdentityTest, ModuleTextWithAByteOrderMarkIsLeftOut) {
+  // The JSON reader skips a leading mark, but spliced into the document it would break it.
+  attach(ModuleName::cdp, ModuleStatus::operational, "\xEF\xBB\xBF" + kCdp);
+  const std::string text = CoreIdentity("iOS").toJson();
+  EXPECT_EQ(text, kDevice + "}");
+  EXPECT_FALSE(nlohmann::json::parse(text, nullptr, false).is_discarded());
+  EXPECT_EQ(identityLines(), (Lines{"Invalid Json Module cdp Identity"}));
+}
+
 TEST_F(IdentityTest, UnwritableDevicePartGivesAnEmptyObject) {
   EXPECT_EQ(CoreIdentity("\xc3").toJson(), "{}");
   const auto line = sink->find("Failed to parse Identity to Json");
