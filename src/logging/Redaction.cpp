@@ -73,7 +73,30 @@ std::string replaceAll(const std::string& message, std::string_view value) {
   return out;
 }
 
+bool isAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+char asciiLower(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+bool containsAsciiIgnoringCase(std::string_view text, std::string_view value) {
+  return std::search(text.begin(), text.end(), value.begin(), value.end(),
+                     [](char a, char b) { return asciiLower(a) == asciiLower(b); }) != text.end();
+}
+
 }  // namespace
+
+std::string redactSecrets(std::string message, const std::vector<std::string>& secrets) {
+  for (const std::string& secret : secrets) {
+    if (secret.empty() || (isAscii(secret) && !containsAsciiIgnoringCase(message, secret)))
+      continue;
+    message = replaceAll(message, secret);
+  }
+  return message;
+}
 
 std::string redact(std::string_view message, const std::vector<std::string>& values) {
   std::string result(message);

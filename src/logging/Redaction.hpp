@@ -19,4 +19,9 @@ inline constexpr std::string_view kRedactedMarker = "[REDACTED]";
 /// maps back to an exact byte range. Invalid UTF-8 bytes only match themselves.
 std::string redact(std::string_view message, const std::vector<std::string>& values);
 
+/// The same replacement for the logger's secrets, in their order. A secret of ASCII text is
+/// first looked for by bytes, ignoring ASCII case, and skipped when absent, so that the many
+/// secrets a line does not hold cost a plain search each.
+std::string redactSecrets(std::string message, const std::vector<std::string>& secrets);
+
 }  // namespace vorn::detail

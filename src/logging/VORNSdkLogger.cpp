@@ -1,5 +1,7 @@
 #include "vorn/logging/VORNSdkLogger.hpp"
 
+#include <algorithm>
+
 #include "logging/Redaction.hpp"
 
 namespace vorn {
@@ -25,14 +27,17 @@ void VORNSdkLogger::logMessage(LogLevel level, LoggerSubsystem subsystem, Logger
     return;
   std::shared_ptr<LogOutputter> outputter;
   std::shared_ptr<const std::vector<std::string>> redacted;
+  std::shared_ptr<const std::vector<std::string>> secrets;
   {
     std::lock_guard lock(mutex_);
     outputter = logOutputter_;
     redacted = redactedValues_;
+    secrets = secrets_;
   }
   if (!outputter)
     return;
-  outputter->out(level, rawValue(subsystem), category, detail::redact(message, *redacted));
+  outputter->out(level, rawValue(subsystem), category,
+                 detail::redactSecrets(detail::redact(message, *redacted), *secrets));
 }
 
 void VORNSdkLogger::debugWithCategory(LoggerCategory category, std::string_view message) {
@@ -98,6 +103,35 @@ void VORNSdkLogger::setRedactedValues(std::vector<std::string> values) {
   auto replacement = std::make_shared<const std::vector<std::string>>(std::move(values));
   std::lock_guard lock(mutex_);
   redactedValues_ = std::move(replacement);
+}
+
+void VORNSdkLogger::setSecrets(const void* owner, std::vector<std::string> secrets) {
+  std::erase(secrets, std::string());
+  std::lock_guard lock(mutex_);
+  const auto found = secretsByOwner_.find(owner);
+  if (found == secretsByOwner_.end() ? secrets.empty() : found->second == secrets)
+    return;
+  if (secrets.empty())
+    secretsByOwner_.erase(found);
+  else
+    secretsByOwner_.insert_or_assign(owner, std::move(secrets));
+  secrets_ = std::make_shared<const std::vector<std::string>>(mergeSecrets());
+}
+
+std::size_t VORNSdkLogger::secretCount() const {
+  std::lock_guard lock(mutex_);
+  return secrets_->size();
+}
+
+std::vector<std::string> VORNSdkLogger::mergeSecrets() const {
+  std::vector<std::string> merged;
+  for (const auto& [owner, secrets] : secretsByOwner_)
+    merged.insert(merged.end(), secrets.begin(), secrets.end());
+  std::sort(merged.begin(), merged.end(), [](const std::string& a, const std::string& b) {
+    return a.size() != b.size() ? a.size() > b.size() : a < b;
+  });
+  merged.erase(std::unique(merged.begin(), merged.end()), merged.end());
+  return merged;
 }
 
 void VORNSdkLogger::publishGate() {

@@ -5,6 +5,11 @@
 // then scrubbed of every redacted value, case-insensitively, and handed to the sink.
 // The logger starts silent: level `none`, no sink, no filters, no redacted values.
 //
+// Secrets are a second list, apart from the app's redacted values: the library's parts
+// register the values they hold (key material, registration ids; a feature module may too),
+// and every line of every subsystem is scrubbed of them after the app's list, whatever the
+// level and whichever sink, so that no sink (the default one included) can print them.
+//
 // Thread safety: every member may be called from any thread at any time. Configuration may
 // change while other threads log; each logging thread sees either the old or the new value
 // of each field. The sink is called without any lock held.
@@ -14,7 +19,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -69,13 +76,22 @@ class VORN_API VORNSdkLogger {
   /// Replaces the values scrubbed from every line. The core never sets any; an app may.
   void setRedactedValues(std::vector<std::string> values);
 
+  /// Replaces the secrets `owner` holds (an empty list removes them). An owner is any address
+  /// that stays the same while it holds its secrets, usually the object holding them, which
+  /// removes them when it goes. Secrets are matched as redacted values are, longest first, so
+  /// a secret that contains another is replaced whole; they never show in redactedValues().
+  void setSecrets(const void* owner, std::vector<std::string> secrets);
+  /// How many distinct secrets are registered now.
+  std::size_t secretCount() const;
+
   VORNSdkLogger(const VORNSdkLogger&) = delete;
   VORNSdkLogger& operator=(const VORNSdkLogger&) = delete;
 
  private:
   VORNSdkLogger() = default;
   ~VORNSdkLogger() = default;
-  void publishGate();  // requires mutex_
+  void publishGate();                             // requires mutex_
+  std::vector<std::string> mergeSecrets() const;  // requires mutex_
 
   // The fast-path summary of the configuration: bits 0-7 hold the lowest level that passes
   // (beyond every level when there is no sink), bits 8-24 the filtered categories as a mask
@@ -90,6 +106,10 @@ class VORN_API VORNSdkLogger {
   std::vector<std::string> filters_;            // guarded by mutex_
   std::uint32_t filterMask_ = 0;                // guarded by mutex_
   std::shared_ptr<const std::vector<std::string>> redactedValues_ =
+      std::make_shared<const std::vector<std::string>>();           // guarded by mutex_
+  std::map<const void*, std::vector<std::string>> secretsByOwner_;  // guarded by mutex_
+  // Every owner's secrets, distinct, longest first; rebuilt when an owner's list changes.
+  std::shared_ptr<const std::vector<std::string>> secrets_ =
       std::make_shared<const std::vector<std::string>>();  // guarded by mutex_
 };
 

@@ -1,6 +1,10 @@
 // A symmetric key of the key store: a 32-byte AES key with its fixed 16-byte vector, used
 // with AES-256-CBC and PKCS#7 padding. Immutable; share it and use it from any thread.
 //
+// While a key lives, its key and vector are secrets of the logger (VORNSdkLogger::setSecrets)
+// as raw bytes, hexadecimal and base64 text, so no log line and no sink can show them
+// whoever wrote the line. Material under 8 bytes, which no cipher takes, is not registered.
+//
 // VORNSecureEncryptionKey derives from it and replaces both operations with EC encryption;
 // the accessors of the symmetric material do not apply to it (see there).
 #pragma once
@@ -23,6 +27,8 @@ class VORN_API VORNEncryptionKey {
  public:
   /// initWithData:initializationVector:. The bytes are kept as given.
   VORNEncryptionKey(Bytes key, Bytes initializationVector);
+  VORNEncryptionKey(const VORNEncryptionKey& other);
+  VORNEncryptionKey& operator=(const VORNEncryptionKey&) = delete;
   virtual ~VORNEncryptionKey();
 
   /// 32 random key bytes and 16 random vector bytes; null when the generator fails.
