@@ -61,9 +61,15 @@ void DelayTimer::cancel(Ticket ticket) {
   if (it == deadlines_.end()) {
     return;
   }
-  // The thread may still wake at the dropped deadline; it then just waits for the next one.
-  dropped = entries_.extract(Key{it->second, ticket});
+  const Key key{it->second, ticket};
+  const bool earliest = entries_.begin()->first == key;
+  dropped = entries_.extract(key);
   deadlines_.erase(it);
+  // The thread sleeps until the earliest deadline: told now, it waits for the next one (or
+  // for ever), instead of waking an idle process at a deadline nobody wants any more.
+  if (earliest) {
+    changed_.notify_one();
+  }
 }
 
 void DelayTimer::run() {

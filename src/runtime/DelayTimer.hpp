@@ -3,8 +3,9 @@
 // Entries are kept in steady-clock deadline order (ties in the order they were scheduled); at
 // its deadline an entry is appended to its queue. An entry can be cancelled until then, which
 // destroys its work at once: work that is no longer wanted must not keep what it captured
-// alive until a distant deadline. The timer is immortal and its thread starts with the first
-// entry; a forked child starts over with a fresh timer, and the parent's entries stay behind.
+// alive until a distant deadline, nor wake the thread when that deadline comes. The timer is
+// immortal and its thread starts with the first entry; a forked child starts over with a fresh
+// timer, and the parent's entries stay behind.
 #pragma once
 
 #include <condition_variable>

@@ -5,11 +5,8 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <sstream>
 #include <thread>
 
 #include "ThreadStats.hpp"
@@ -20,36 +17,13 @@ namespace vorn {
 namespace {
 
 using namespace std::chrono_literals;
-using Switches = std::map<pid_t, std::uint64_t>;
+using test::describe;
+using test::libraryThreads;
+using test::Switches;
+using test::threadsBeforeTheLibrary;
+using test::waitForTheThreadsToSettle;
+using test::wakeupsBetween;
 using testing::waitUntil;
-
-// The threads of the process before the library starts any: this test's own, and any helper
-// the toolchain runs. ThreadSanitizer starts its helper along with the first other thread,
-// so one is started (and joined) first.
-Switches threadsBeforeTheLibrary() {
-  std::thread([] {}).join();
-  return test::contextSwitchesByThread();
-}
-
-// The threads the library started, with their context switches so far.
-Switches libraryThreads(const Switches& preexisting) {
-  Switches threads = test::contextSwitchesByThread();
-  std::erase_if(threads, [&](const auto& entry) { return preexisting.contains(entry.first); });
-  return threads;
-}
-
-// Context switches between two snapshots, by thread; a thread new in `after` counts whole.
-Switches wakeupsBetween(const Switches& before, const Switches& after) {
-  Switches wakeups;
-  for (const auto& [thread, count] : after) {
-    const auto earlier = before.find(thread);
-    const std::uint64_t delta = count - (earlier == before.end() ? 0 : earlier->second);
-    if (delta > 0) {
-      wakeups[thread] = delta;
-    }
-  }
-  return wakeups;
-}
 
 // Blocks one pool worker until release() is called. The task shares the state, so that it
 // may still be waking up when the test is over.
@@ -92,31 +66,6 @@ void runSomeWork() {
   ASSERT_TRUE(waitUntil([&] { return done.load() == 2; }));
   queue.asyncAfter(1ms, [&] { done.fetch_add(1); });
   ASSERT_TRUE(waitUntil([&] { return done.load() == 3; }));
-}
-
-// Waits until the library's threads have not run for a while, so that the measurement
-// leaves out the moment in which workers go to sleep after their last task.
-void waitForTheThreadsToSettle(const Switches& preexisting) {
-  Switches last = libraryThreads(preexisting);
-  auto lastChange = std::chrono::steady_clock::now();
-  waitUntil(
-      [&] {
-        Switches now = libraryThreads(preexisting);
-        if (now != last) {
-          last = std::move(now);
-          lastChange = std::chrono::steady_clock::now();
-        }
-        return std::chrono::steady_clock::now() - lastChange >= 200ms;
-      },
-      3s);
-}
-
-std::string describe(const Switches& wakeups) {
-  std::ostringstream text;
-  for (const auto& [thread, count] : wakeups) {
-    text << " thread " << thread << ": " << count << ";";
-  }
-  return text.str();
 }
 
 TEST(IdleWakeups, NoWakeupsWhileATaskStaysBlocked) {
