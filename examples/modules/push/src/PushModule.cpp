@@ -29,6 +29,16 @@ std::int64_t storedMillis(const vorn::SecurePrefs& prefs, const std::string& key
   return prefs.intFor(key).value_or(0);
 }
 
+// The contact key and the attributes are the app's profile values, kept out of the log as the
+// tokens are.
+void redactProfile(PushLog& log, const RegistrationData& data) {
+  if (data.contactKey)
+    log.redact(*data.contactKey);
+  for (const auto& [key, value] : data.attributes)
+    if (const std::string* text = value.get<std::string>())
+      log.redact(*text);
+}
+
 }  // namespace
 
 std::shared_ptr<PushModule> PushModule::start(const PushModuleConfig& config,
@@ -137,6 +147,7 @@ void PushModule::sendRegistration() {
       requests::registration(settings_.endpoint, body, settings_.registrationRateLimitSeconds);
   if (!request)
     return;
+  redactProfile(*log_, snapshot->data);
   log_->debug("Sending registration " + vorn::toJson(body).dump() + ".");
   const vorn::CompletedCall call = network_->executeSync(std::move(*request));
   if (!call.wrappedResponse.isSuccess()) {

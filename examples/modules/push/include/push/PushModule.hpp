@@ -22,8 +22,8 @@
 //   marks are applied locally at once and sent in the background (POST
 //   /v1/inbox/<id>/read, DELETE /v1/inbox/<id>). getAllMessages() lists the messages not
 //   deleted; getDeletedMessages() those deleted since the last refresh.
-// - Secrets (the access token, the device token, the registration id) are redacted from
-//   every line the module logs.
+// - Secrets (the access token, the device token, the registration id, the contact key and
+//   the text attribute values) are redacted from every line the module logs.
 // - Operations that need a phone's user interface or location services (table views,
 //   regions, location watching, notification requests, showing in-app messages) answer
 //   their default and log one debug line saying so. Analytics tracking is not sent.
