@@ -24,7 +24,7 @@ nlohmann::json moduleProperties(const std::string& module) {
 }  // namespace
 
 AppSession::AppSession(const AppOptions& options, std::string appVersion)
-    : options_(options), sink_(std::make_shared<DemoSink>()) {
+    : options_(options), sink_(std::make_shared<DemoSink>(options.logTap)) {
   vorn::Platform platform = vorn::Platform::defaultPlatform(options.dataDirectory / "sdk");
   platform.app.appVersion = std::move(appVersion);
   platform.app.appName = "VornDemo";

@@ -14,7 +14,10 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
+
+#include "vorn/logging/LogOutputter.hpp"
 
 namespace demo {
 
@@ -23,6 +26,8 @@ struct AppOptions {
   std::filesystem::path dataDirectory;
   std::string collectorUrl;
   int events = 25;
+  /// Also receives every log line of the run, when set (a test that reads all of them).
+  std::shared_ptr<vorn::LogOutputter> logTap;
 };
 
 int runApp(const AppOptions& options);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -13,6 +14,9 @@ namespace demo {
 
 class DemoSink final : public vorn::LogOutputter {
  public:
+  /// `tap`, when not null, receives every line as well.
+  explicit DemoSink(std::shared_ptr<vorn::LogOutputter> tap = nullptr) : tap_(std::move(tap)) {}
+
   void out(vorn::LogLevel level, std::string_view subsystem, vorn::LoggerCategory category,
            std::string_view message) override {
     std::lock_guard lock(mutex_);
@@ -22,7 +26,8 @@ class DemoSink final : public vorn::LogOutputter {
                   subsystem.data(), static_cast<int>(vorn::rawValue(category).size()),
                   vorn::rawValue(category).data(), static_cast<int>(message.size()),
                   message.data());
-    (void)level;
+    if (tap_)
+      tap_->out(level, subsystem, category, message);
   }
 
   /// True when a line containing `text` was logged.
@@ -44,6 +49,7 @@ class DemoSink final : public vorn::LogOutputter {
     return subsystem != "VORNSdk";                               // the modules' own lines
   }
 
+  const std::shared_ptr<vorn::LogOutputter> tap_;
   mutable std::mutex mutex_;
   std::vector<std::string> lines_;  // guarded by mutex_
 };

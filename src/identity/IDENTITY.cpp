@@ -5,27 +5,12 @@
 #include "identity/Descriptions.hpp"
 #include "identity/ModuleReadiness.hpp"
 #include "identity/RawModules.hpp"
-#include "logging/Redaction.hpp"
 #include "vorn/identity/CoreIdentity.hpp"
 #include "vorn/logging/Log.hpp"
 #include "vorn/messaging/EventBus.hpp"
 
 namespace vorn {
 namespace {
-
-// Profile ids and attribute values are the user's: the lines say what is set and for whom,
-// never the value, which the modules hold as secrets of their own only once they have it.
-// An empty value, which clears, is shown as it is.
-std::string hidden(std::string_view value) {
-  return value.empty() ? std::string() : std::string(detail::kRedactedMarker);
-}
-
-std::string describeHidingValues(const StringDictionary& attributes) {
-  StringDictionary shown;
-  for (const auto& [key, value] : attributes)
-    shown.emplace(key, hidden(value));
-  return detail::describe(shown);
-}
 
 // "Setting `<value>` as <what> for <module> <outcome>", the line of a one-module call.
 std::string settingLine(const std::string& value, std::string_view what, ModuleName module,
@@ -50,13 +35,13 @@ void publishToOne(ModuleName module, std::string_view what, Describe describeVal
 
 void publishProfileIdTo(ModuleName module, std::string_view id) {
   publishToOne(
-      module, "profileId", [&] { return hidden(id); },
+      module, "profileId", [&] { return std::string(id); },
       [&] { return IdentityEvent::withProfileId(std::string(id)); });
 }
 
 void publishAttributesTo(ModuleName module, const StringDictionary& attributes) {
   publishToOne(
-      module, "profile attributes", [&] { return describeHidingValues(attributes); },
+      module, "profile attributes", [&] { return detail::describe(attributes); },
       [&] { return IdentityEvent::withProfileAttributes(attributes); });
 }
 
@@ -72,8 +57,9 @@ std::string IDENTITY::toJson() const {
 }
 
 void IDENTITY::setProfileId(std::string_view id) const {
-  VORN_LOG_DEBUG(LoggerCategory::identity,
-                 "Setting `" + hidden(id) + "` as profileId for all subscribed modules triggered.");
+  VORN_LOG_DEBUG(
+      LoggerCategory::identity,
+      "Setting `" + std::string(id) + "` as profileId for all subscribed modules triggered.");
   EventBus::publish(MessageProducer::sdk, IdentityEvent::withProfileId(std::string(id)));
 }
 
@@ -98,7 +84,7 @@ void IDENTITY::setProfileId(const RawProfileIds& profiles) const {
 }
 
 void IDENTITY::setProfileAttributes(const StringDictionary& attributes) const {
-  VORN_LOG_DEBUG(LoggerCategory::identity, "Setting `" + describeHidingValues(attributes) +
+  VORN_LOG_DEBUG(LoggerCategory::identity, "Setting `" + detail::describe(attributes) +
                                                "` as attributes for all modules triggered.");
   EventBus::publish(MessageProducer::sdk, IdentityEvent::withProfileAttributes(attributes));
 }

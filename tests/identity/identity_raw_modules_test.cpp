@@ -30,14 +30,12 @@ TEST_F(IdentityTest, InvalidIntegersAreDroppedAndTheRestServed) {
   IDENTITY::shared()->setProfileAttributesNamed(StringDictionary{{"k", "v"}}, std::vector<int>{0});
   IDENTITY::shared()->setProfileAttributesNamed(
       IDENTITY::RawModuleAttributes{{1, {{"p", "q"}}}, {3, {}}});
-  EXPECT_EQ(
-      identityLines(),
-      (Lines{
-          "Invalid module rawValue: `9`.", "Setting `[REDACTED]` as profileId for push triggered.",
-          "Invalid module rawValue: `4`.", "Setting `[REDACTED]` as profileId for cdp triggered.",
-          "Setting `[\"k\": \"[REDACTED]\"]` as profile attributes for cdp triggered.",
-          "Invalid module rawValue: `3`.",
-          "Setting `[\"p\": \"[REDACTED]\"]` as profile attributes for push triggered."}));
+  EXPECT_EQ(identityLines(),
+            (Lines{"Invalid module rawValue: `9`.", "Setting `x` as profileId for push triggered.",
+                   "Invalid module rawValue: `4`.", "Setting `c` as profileId for cdp triggered.",
+                   "Setting `[\"k\": \"v\"]` as profile attributes for cdp triggered.",
+                   "Invalid module rawValue: `3`.",
+                   "Setting `[\"p\": \"q\"]` as profile attributes for push triggered."}));
   EXPECT_EQ(received(ModuleName::cdp), (Lines{"attrs k=v;", "id c"}));
   EXPECT_EQ(received(ModuleName::push), (Lines{"attrs p=q;", "id x"}));
 }

@@ -10,7 +10,7 @@ TEST_F(IdentityTest, ProfileIdForAllReachesEverySubscriber) {
   subscribe(ModuleName::push);
   IDENTITY::shared()->setProfileId("u1");
   EXPECT_EQ(identityLines(),
-            Lines{"Setting `[REDACTED]` as profileId for all subscribed modules triggered."});
+            Lines{"Setting `u1` as profileId for all subscribed modules triggered."});
   EXPECT_EQ(received(ModuleName::cdp), Lines{"id u1"});
   EXPECT_EQ(received(ModuleName::push), Lines{"id u1"});
 }
@@ -28,12 +28,12 @@ TEST_F(IdentityTest, OneModuleIsServedOnlyOnceOperationalAndSubscribed) {
   identity.setProfileAttributes(StringDictionary{{"k", "v"}}, {ModuleName::push});
   EXPECT_EQ(identityLines(),
             (Lines{"Module push is not operational (inactive).",
-                   "Setting `[REDACTED]` as profileId for push failed.",
+                   "Setting `u1` as profileId for push failed.",
                    "Module push is not operational (initializing).",
-                   "Setting `[\"k\": \"[REDACTED]\"]` as profile attributes for push failed.",
+                   "Setting `[\"k\": \"v\"]` as profile attributes for push failed.",
                    "Module `push` is not subscribed to receive events.",
-                   "Setting `[REDACTED]` as profileId for push failed.",
-                   "Setting `[\"k\": \"[REDACTED]\"]` as profile attributes for push triggered."}));
+                   "Setting `p` as profileId for push failed.",
+                   "Setting `[\"k\": \"v\"]` as profile attributes for push triggered."}));
   const auto lines = sink->lines();
   EXPECT_EQ(lines[0].level, LogLevel::warning);
   EXPECT_EQ(lines[1].level, LogLevel::debug);
@@ -51,30 +51,28 @@ TEST_F(IdentityTest, NamedModulesAreServedInOrderEachWithItsOwnValue) {
       IDENTITY::ModuleAttributes{{ModuleName::cdp, {{"a", "1"}}}, {ModuleName::push, {}}});
   EXPECT_EQ(identityLines(),
             (Lines{"Module push is not operational (failed).",
-                   "Setting `[REDACTED]` as profileId for push failed.",
-                   "Setting `[REDACTED]` as profileId for cdp triggered.",
-                   "Setting `[\"a\": \"[REDACTED]\"]` as profile attributes for cdp triggered.",
+                   "Setting `u2` as profileId for push failed.",
+                   "Setting `u2` as profileId for cdp triggered.",
+                   "Setting `[\"a\": \"1\"]` as profile attributes for cdp triggered.",
                    "Setting `[:]` as profile attributes for push triggered."}));
   EXPECT_EQ(received(ModuleName::cdp), (Lines{"attrs a=1;", "id u2"}));
   EXPECT_EQ(received(ModuleName::push), Lines{"attrs "});
 }
 
-// Values are the user's and never shown; keys are, escaped, and so is a value cleared to "".
-TEST_F(IdentityTest, AttributesAreDescribedWithEscapedKeysHiddenValuesAndClearedToEmpty) {
+TEST_F(IdentityTest, AttributesAreDescribedWithEscapesAndClearedToEmpty) {
   subscribe(ModuleName::push);
-  IDENTITY::shared()->setProfileAttributes(
-      StringDictionary{{"b", "say \"hi\"\n"}, {"a", "'"}, {"k'\n", ""}});
+  IDENTITY::shared()->setProfileAttributes(StringDictionary{{"b", "say \"hi\"\n"}, {"a", "'"}});
   IDENTITY::shared()->clearProfileAttributes({"a", "b"});
   IDENTITY::shared()->clearProfileAttribute("c");
   EXPECT_EQ(identityLines(),
-            (Lines{"Setting `[\"a\": \"[REDACTED]\", \"b\": \"[REDACTED]\", \"k\\'\\n\": \"\"]` as "
-                   "attributes for all modules triggered.",
+            (Lines{"Setting `[\"a\": \"\\'\", \"b\": \"say \\\"hi\\\"\\n\"]` as attributes for all "
+                   "modules triggered.",
                    "Clearing following profile attributes: [\"a\", \"b\"]",
                    "Setting `[\"a\": \"\", \"b\": \"\"]` as attributes for all modules triggered.",
                    "Clearing following profile attributes: [\"c\"]",
                    "Setting `[\"c\": \"\"]` as attributes for all modules triggered."}));
   EXPECT_EQ(received(ModuleName::push),
-            (Lines{"attrs a=';b=say \"hi\"\n;k'\n=;", "attrs a=;b=;", "attrs c=;"}));
+            (Lines{"attrs a=';b=say \"hi\"\n;", "attrs a=;b=;", "attrs c=;"}));
 }
 
 }  // namespace

