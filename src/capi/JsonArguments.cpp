@@ -2,11 +2,39 @@
 
 #include <cstdint>
 #include <limits>
+#include <string_view>
 
 namespace vorn::capi {
+namespace {
+
+// Whether no array or object opens more than kMaxJsonDepth levels deep, counted without
+// recursion. Brackets inside strings do not count; the rest of the syntax is the parser's.
+bool isShallowJson(std::string_view text) {
+  std::size_t depth = 0;
+  bool inString = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (inString) {
+      if (c == '\\')
+        ++i;
+      else if (c == '"')
+        inString = false;
+    } else if (c == '"') {
+      inString = true;
+    } else if (c == '[' || c == '{') {
+      if (++depth > kMaxJsonDepth)
+        return false;
+    } else if ((c == ']' || c == '}') && depth > 0) {
+      --depth;
+    }
+  }
+  return true;
+}
+
+}  // namespace
 
 std::optional<nlohmann::json> parseJson(const char* text) {
-  if (text == nullptr)
+  if (text == nullptr || !isShallowJson(text))
     return std::nullopt;
   nlohmann::json json = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
   if (json.is_discarded())

@@ -2,6 +2,7 @@
 // values. Each reader answers no value for text that is not the JSON it expects.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,12 @@
 
 namespace vorn::capi {
 
-/// The parsed document; no value for NULL or malformed text.
+/// How many arrays and objects deep a document may nest. The library's values are built and
+/// walked recursively, so deeper text from a host would overflow the stack.
+inline constexpr std::size_t kMaxJsonDepth = 64;
+
+/// The parsed document; no value for NULL or malformed text, or for text that nests deeper
+/// than kMaxJsonDepth.
 std::optional<nlohmann::json> parseJson(const char* text);
 
 /// Null, booleans, numbers (integers that fit in 64 signed bits stay integers, other numbers

@@ -136,6 +136,21 @@ TEST_F(BridgeTest, RefusedEventsReportInvalidArgument) {
   EXPECT_EQ(vorn_track_event("plain", nullptr), VORN_OK);
 }
 
+TEST_F(BridgeTest, ArgumentsNestedTooDeeplyAreRefused) {
+  // {"a": [[...]]}, `depth` arrays and objects deep.
+  const auto nested = [](std::size_t depth) {
+    return "{\"a\": " + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+  };
+  EXPECT_EQ(vorn_track_event("deep", nested(64).c_str()), VORN_OK);
+  EXPECT_EQ(vorn_track_event("deep", nested(65).c_str()), VORN_ERROR_INVALID_ARGUMENT);
+  // Deep enough to overflow the stack if its values were built.
+  EXPECT_EQ(vorn_track_event("deep", nested(1'000'000).c_str()), VORN_ERROR_INVALID_ARGUMENT);
+  EXPECT_EQ(log_->count("vorn_track_event: the attributes are not a JSON object"), 2u);
+  // Brackets inside strings are text, not nesting.
+  const std::string brackets = "{\"a\": \"\\\"" + std::string(100, '[') + "\"}";
+  EXPECT_EQ(vorn_track_event("text", brackets.c_str()), VORN_OK);
+}
+
 TEST_F(BridgeTest, IdentityCallsCheckEveryModuleNameBeforeSendingAnything) {
   const char* modules[] = {"cdp", "mail"};
   EXPECT_EQ(vorn_identity_set_profile_id("p1", modules, 2), VORN_ERROR_UNKNOWN_MODULE);
