@@ -6,7 +6,7 @@
 // The logger starts silent: level `none`, no sink, no filters, no redacted values.
 //
 // Secrets are a second list, apart from the app's redacted values: the library's parts
-// register the values they hold (key material, registration ids; a feature module may too),
+// register the values they hold (key material; a feature module may too),
 // and every line of every subsystem is scrubbed of them after the app's list, whatever the
 // level and whichever sink, so that no sink (the default one included) can print them.
 //

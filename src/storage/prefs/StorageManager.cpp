@@ -9,19 +9,11 @@
 namespace vorn {
 namespace {
 
-// The id names the installation to the back ends: a secret of the logger from the moment it
-// is known, held by its manager.
-void holdSecret(const StorageManager* owner, const std::string& registrationId) {
-  VORNSdkLogger::shared().setSecrets(owner, {registrationId});
-}
-
 // The stored id. A manager that will never have a key reads nothing, stores nothing and so
 // cannot lose anything: its id is absent, and this launch gets one of its own.
-ReadResult<std::string> readRegistration(const SecurePrefs& registration,
-                                         const StorageManager* owner) {
+ReadResult<std::string> readRegistration(const SecurePrefs& registration) {
   auto stored = registration.readString(StorageManager::kRegistrationIdKey);
   if (stored.isFound()) {
-    holdSecret(owner, stored.value());
     VORN_LOG_DEBUG(
         LoggerCategory::storage,
         "StorageManager was initialized with existing registration id (" + stored.value() + ").");
@@ -59,10 +51,6 @@ StorageManager::StorageManager(std::shared_ptr<EncryptionManager> encryptionMana
   registration();
 }
 
-StorageManager::~StorageManager() {
-  VORNSdkLogger::shared().setSecrets(this, {});
-}
-
 std::optional<std::string> StorageManager::registration() const {
   if (auto known = registrationId_.read())
     return known;
@@ -84,7 +72,7 @@ std::optional<std::string> StorageManager::registration() const {
 
 ReadResult<std::string> StorageManager::loadOrCreateRegistrationId() const {
   SecurePrefs registration(defaults_->suite(std::string(kRegistrationSuite)), encryptionManager_);
-  auto existing = readRegistration(registration, this);
+  auto existing = readRegistration(registration);
   if (!existing.isAbsent())
     return existing;
   auto result = ReadResult<std::string>::error(errSecNotAvailable);
@@ -96,12 +84,11 @@ ReadResult<std::string> StorageManager::storedOrNewRegistrationId() const {
   // Read again under the lock: another launch of this module may have stored an id meanwhile,
   // and a second id would hide everything stored under the first.
   SecurePrefs registration(defaults_->suite(std::string(kRegistrationSuite)), encryptionManager_);
-  auto stored = readRegistration(registration, this);
+  auto stored = readRegistration(registration);
   if (!stored.isAbsent())
     return stored;
   std::string created = makeUuidString();
   registration.setString(created, kRegistrationIdKey);
-  holdSecret(this, created);
   VORN_LOG_DEBUG(LoggerCategory::storage,
                  "StorageManager was initialized with new registration id (" + created + ").");
   return ReadResult<std::string>::found(std::move(created));

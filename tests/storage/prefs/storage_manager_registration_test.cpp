@@ -36,9 +36,8 @@ TEST_F(StorageManagerTest, FirstStartCreatesAndStoresARegistrationId) {
   const std::string id = storage.getRegistrationId();
   EXPECT_TRUE(isUpperCaseUuid(id)) << id;
   EXPECT_EQ(registrationPrefs(manager).stringFor("registrationId"), id);
-  // The id is a secret of the logger: the line reports it made one without showing it.
   const auto line =
-      sink->find("StorageManager was initialized with new registration id ([REDACTED]).");
+      sink->find("StorageManager was initialized with new registration id (" + id + ").");
   ASSERT_NE(line, nullptr);
   EXPECT_EQ(line->level, LogLevel::debug);
   EXPECT_EQ(line->category, LoggerCategory::storage);
@@ -52,7 +51,7 @@ TEST_F(StorageManagerTest, LaterManagersOfTheModuleReuseIt) {
   EXPECT_EQ(again.getRegistrationId(), id);
   EXPECT_EQ(sink->messages(),
             std::vector<std::string>{
-                "StorageManager was initialized with existing registration id ([REDACTED])."});
+                "StorageManager was initialized with existing registration id (" + id + ")."});
 }
 
 TEST_F(StorageManagerTest, EachModuleKeyHasItsOwnIdInTheSharedSuite) {

@@ -14,10 +14,6 @@
 // processes starting one module together keep one id. Without an EncryptionManager (null) the
 // manager logs an error and has no registration id.
 //
-// The registration id is a secret of the logger (VORNSdkLogger::setSecrets) while its
-// manager lives, from the moment it is read or made: no log line shows it, the lines that
-// report it and the storage names that hold it included.
-//
 // The file-protection setting is SDK-wide and only stored here; writers of files read it.
 //
 // Ownership: held by std::shared_ptr by the module's components; shares the module's
@@ -58,7 +54,6 @@ class VORN_API StorageManager {
   StorageManager(std::shared_ptr<EncryptionManager> encryptionManager, std::string moduleAppId,
                  std::shared_ptr<DefaultsStore> defaults, std::shared_ptr<KeychainStore> keychain);
 
-  ~StorageManager();
   StorageManager(const StorageManager&) = delete;
   StorageManager& operator=(const StorageManager&) = delete;
 
