@@ -169,7 +169,9 @@ class Entries {
         upsert_(db_.prepare("INSERT INTO entries(suite, key, type, value) VALUES(?1, ?2, ?3, ?4) "
                             "ON CONFLICT(suite, key) DO UPDATE SET type = excluded.type, "
                             "value = excluded.value")),
-        select_(db_.prepare("SELECT type, value FROM entries WHERE suite = ?1 AND key = ?2")) {}
+        select_(db_.prepare("SELECT type, value FROM entries WHERE suite = ?1 AND key = ?2")),
+        begin_(db_.prepare("BEGIN")),
+        commit_(db_.prepare("COMMIT")) {}
 
   bool writeBlob(std::string_view suite, std::string_view key, const Bytes& value) {
     bindText(upsert_, 1, suite);
@@ -199,10 +201,16 @@ class Entries {
     return found;
   }
 
+  // Several reads in one transaction, which takes the file's shared locks once.
+  void begin() { stepOnce(begin_, SQLITE_DONE); }
+  void commit() { stepOnce(commit_, SQLITE_DONE); }
+
  private:
   Database db_;
   sqlite3_stmt* upsert_;
   sqlite3_stmt* select_;
+  sqlite3_stmt* begin_;
+  sqlite3_stmt* commit_;
 };
 
 // The simplest serial executor: closures handed to one worker thread through a mutex, a deque

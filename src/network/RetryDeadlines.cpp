@@ -1,6 +1,7 @@
 #include "network/RetryDeadlines.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -42,23 +43,24 @@ std::optional<std::int64_t> parseRetryAfter(std::string_view text) {
   return isDigits(text) ? parseMillis(text) : std::nullopt;
 }
 
-RetryDeadlines::Stored RetryDeadlines::read(const std::string& key) const {
-  if (!prefs_)
-    return {};
-  ReadResult<std::string> stored = prefs_->readString(key);
-  if (stored.isAbsent())
+RetryDeadlines::Stored RetryDeadlines::stored(const ReadResult<std::string>& value) {
+  if (value.isAbsent())
     return {};
   const std::optional<std::int64_t> millis =
-      stored.isFound() ? parseMillis(stored.value()) : std::nullopt;
+      value.isFound() ? parseMillis(value.value()) : std::nullopt;
   return {millis.value_or(0), true};
 }
 
 std::optional<std::int64_t> RetryDeadlines::blockingDeadline(std::string_view name,
                                                              std::int64_t now) const {
+  if (!prefs_)
+    return std::nullopt;
   const std::string server = serverKey(name);
   const std::string device = deviceKey(name);
-  const Stored serverDeadline = read(server);
-  const Stored deviceDeadline = read(device);
+  const std::array<std::string_view, 2> keys{server, device};
+  const auto values = prefs_->readStrings(keys);
+  const Stored serverDeadline = stored(values[0]);
+  const Stored deviceDeadline = stored(values[1]);
   if (serverDeadline.millis >= now || deviceDeadline.millis >= now)
     return std::max(serverDeadline.millis, deviceDeadline.millis);
   // Both are past. A key that holds nothing needs no removal, which keeps the check of a

@@ -37,7 +37,7 @@ class RetryDeadlines {
     std::int64_t millis = 0;  // 0 when missing or unreadable
     bool present = false;     // something (even unreadable) may be stored under the key
   };
-  Stored read(const std::string& key) const;
+  static Stored stored(const ReadResult<std::string>& value);
 
   SecurePrefs* prefs_;
 };

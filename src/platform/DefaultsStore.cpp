@@ -56,6 +56,15 @@ ReadResult<DefaultsValue> DefaultsStore::read(std::string_view suite, std::strin
                : ReadResult<DefaultsValue>::absent();
 }
 
+std::vector<ReadResult<DefaultsValue>> DefaultsStore::readSnapshot(
+    std::string_view suite, std::span<const std::string> keys) {
+  std::vector<ReadResult<DefaultsValue>> results;
+  results.reserve(keys.size());
+  for (const std::string& key : keys)
+    results.push_back(read(suite, key));
+  return results;
+}
+
 bool DefaultsStore::boolFor(std::string_view suite, std::string_view key) {
   const auto value = object(suite, key);
   return value ? std::visit(AsBool(), *value) : false;

@@ -13,6 +13,11 @@ ReadResult<DefaultsValue> DefaultsSuite::read(std::string_view key) const {
   return store_->read(name_, key);
 }
 
+std::vector<ReadResult<DefaultsValue>> DefaultsSuite::readSnapshot(
+    std::span<const std::string> keys) const {
+  return store_->readSnapshot(name_, keys);
+}
+
 bool DefaultsSuite::boolFor(std::string_view key) const {
   return store_->boolFor(name_, key);
 }

@@ -101,6 +101,18 @@ TEST_P(DefaultsStoreTest, SuitesAreSeparateAndRemovable) {
   EXPECT_EQ(standard.stringFor("k"), "s");
 }
 
+TEST_P(DefaultsStoreTest, SnapshotReadsEachKeyInOrder) {
+  store_->setString("s", "one", "a");
+  store_->setInteger("s", 2, "b");
+  const std::vector<std::string> keys{"b", "missing", "a"};
+  const auto values = store_->suite("s").readSnapshot(keys);
+  ASSERT_EQ(values.size(), 3u);
+  EXPECT_EQ(values[0].value(), DefaultsValue(std::int64_t{2}));
+  EXPECT_TRUE(values[1].isAbsent());
+  EXPECT_EQ(values[2].value(), DefaultsValue(std::string("one")));
+  EXPECT_TRUE(store_->readSnapshot("s", {}).empty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Backends, DefaultsStoreTest,
                          ::testing::Values(Backend{"memory",
                                                    [](const std::filesystem::path&) {
@@ -116,6 +128,17 @@ TEST(SqliteDefaultsStoreTest, ReopenedFileKeepsValues) {
   testing::TemporaryDirectory dir;
   DefaultsStore::openFile(dir.path())->suite("s").setInteger(5, "k");
   EXPECT_EQ(DefaultsStore::openFile(dir.path())->suite("s").integerFor("k"), 5);
+}
+
+// The snapshot's transaction must be over when it returns: a write left inside it would
+// never reach the file.
+TEST(SqliteDefaultsStoreTest, WritesAfterASnapshotReachOtherConnections) {
+  testing::TemporaryDirectory dir;
+  auto writer = DefaultsStore::openFile(dir.path());
+  const std::vector<std::string> keys{"a", "b"};
+  (void)writer->readSnapshot("s", keys);
+  ASSERT_TRUE(writer->setString("s", "after", "a"));
+  EXPECT_EQ(DefaultsStore::openFile(dir.path())->stringFor("s", "a"), "after");
 }
 
 }  // namespace

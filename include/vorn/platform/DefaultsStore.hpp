@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -66,6 +67,12 @@ class VORN_API DefaultsStore : public std::enable_shared_from_this<DefaultsStore
   /// The stored value, absent, or an error when the backend could not answer (object() reads
   /// such a failure as an absent key). Backends that cannot fail keep this default.
   virtual ReadResult<DefaultsValue> read(std::string_view suite, std::string_view key);
+  /// read() of each key, in the order given, as one snapshot: no write lands between two of
+  /// the reads. The file backend reads them in one transaction, which costs little more than
+  /// a single read; this default reads each key on its own, for backends whose reads cannot
+  /// interleave with a write anyway.
+  virtual std::vector<ReadResult<DefaultsValue>> readSnapshot(std::string_view suite,
+                                                              std::span<const std::string> keys);
   /// Stores `value` under `key`, replacing what was there.
   virtual bool set(std::string_view suite, std::string_view key, const DefaultsValue& value) = 0;
   /// Removes the key; removing an absent key succeeds.
@@ -99,6 +106,7 @@ class VORN_API DefaultsSuite {
 
   std::optional<DefaultsValue> object(std::string_view key) const;
   ReadResult<DefaultsValue> read(std::string_view key) const;
+  std::vector<ReadResult<DefaultsValue>> readSnapshot(std::span<const std::string> keys) const;
   bool boolFor(std::string_view key) const;
   std::int64_t integerFor(std::string_view key) const;
   std::optional<std::string> stringFor(std::string_view key) const;

@@ -12,6 +12,9 @@ constexpr const char* kUpsert =
     "ON CONFLICT(suite, key) DO UPDATE SET type = excluded.type, value = excluded.value";
 constexpr const char* kDelete = "DELETE FROM entries WHERE suite = ?1 AND key = ?2";
 constexpr const char* kDeleteSuite = "DELETE FROM entries WHERE suite = ?1";
+constexpr const char* kBegin = "BEGIN";
+constexpr const char* kCommit = "COMMIT";
+constexpr const char* kRollback = "ROLLBACK";
 
 // The stored type tag is the variant's index, so reading back picks the same alternative.
 enum StoredType : int { kBool = 0, kInteger = 1, kText = 2, kData = 3 };
@@ -46,6 +49,16 @@ std::optional<DefaultsValue> columnValue(sqlite3_stmt* statement) {
     default:
       return std::nullopt;
   }
+}
+
+// Runs a statement without results from the connection's cache: BEGIN and COMMIT around a few
+// point reads would cost as much again if prepared anew each time.
+bool runCached(platform::SqliteDatabase& db, const char* sql) {
+  sqlite3_stmt* statement = db.statement(sql);
+  if (statement == nullptr)
+    return false;
+  const platform::StatementScope scope(statement);
+  return sqlite3_step(statement) == SQLITE_DONE;
 }
 
 }  // namespace
@@ -92,6 +105,28 @@ std::optional<DefaultsValue> SqliteDefaultsStore::object(std::string_view suite,
 ReadResult<DefaultsValue> SqliteDefaultsStore::read(std::string_view suite, std::string_view key) {
   const LogWhenUnlocked logs(mutex_, db_->log());
   std::lock_guard lock(mutex_);
+  return readLocked(suite, key);
+}
+
+// Outside a transaction every read takes and drops the file's shared locks on its own, two
+// system calls each way; one transaction around the reads takes them once.
+std::vector<ReadResult<DefaultsValue>> SqliteDefaultsStore::readSnapshot(
+    std::string_view suite, std::span<const std::string> keys) {
+  const LogWhenUnlocked logs(mutex_, db_->log());
+  std::lock_guard lock(mutex_);
+  const bool inTransaction = keys.size() > 1 && runCached(*db_, kBegin);
+  std::vector<ReadResult<DefaultsValue>> results;
+  results.reserve(keys.size());
+  for (const std::string& key : keys)
+    results.push_back(readLocked(suite, key));
+  // A transaction left open would swallow the next write into it.
+  if (inTransaction && !runCached(*db_, kCommit))
+    runCached(*db_, kRollback);
+  return results;
+}
+
+ReadResult<DefaultsValue> SqliteDefaultsStore::readLocked(std::string_view suite,
+                                                          std::string_view key) {
   sqlite3_stmt* statement = db_->statement(kSelect);
   if (statement == nullptr) {
     failure();

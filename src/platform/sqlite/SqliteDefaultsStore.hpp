@@ -23,12 +23,15 @@ class SqliteDefaultsStore final : public DefaultsStore {
 
   std::optional<DefaultsValue> object(std::string_view suite, std::string_view key) override;
   ReadResult<DefaultsValue> read(std::string_view suite, std::string_view key) override;
+  std::vector<ReadResult<DefaultsValue>> readSnapshot(std::string_view suite,
+                                                      std::span<const std::string> keys) override;
   bool set(std::string_view suite, std::string_view key, const DefaultsValue& value) override;
   bool remove(std::string_view suite, std::string_view key) override;
   bool removePersistentDomain(std::string_view suite) override;
 
  private:
   bool failure();
+  ReadResult<DefaultsValue> readLocked(std::string_view suite, std::string_view key);
   ReadResult<DefaultsValue> unreadableValue(std::string_view suite, std::string_view key, int type);
 
   std::mutex mutex_;

@@ -101,7 +101,33 @@ ReadResult<std::string> SecurePrefs::readString(std::string_view key) const {
   if (!isLive()) {
     return ReadResult<std::string>::absent();
   }
-  const ReadResult<DefaultsValue> value = suite_.read(*stored);
+  return decrypted(suite_.read(*stored));
+}
+
+std::vector<ReadResult<std::string>> SecurePrefs::readStrings(
+    std::span<const std::string_view> keys) const {
+  std::vector<std::string> storedKeys;
+  storedKeys.reserve(keys.size());
+  for (const std::string_view key : keys) {
+    std::optional<std::string> stored = storedKey(key);
+    if (!stored) {
+      VORN_LOG_DEBUG(LoggerCategory::storage, notReEncryptedText(key));
+      return std::vector(keys.size(), ReadResult<std::string>::error(errSecNotAvailable));
+    }
+    storedKeys.push_back(std::move(*stored));
+  }
+  if (!isLive()) {
+    return std::vector(keys.size(), ReadResult<std::string>::absent());
+  }
+  std::vector<ReadResult<std::string>> results;
+  results.reserve(keys.size());
+  for (const ReadResult<DefaultsValue>& value : suite_.readSnapshot(storedKeys))
+    results.push_back(decrypted(value));
+  return results;
+}
+
+// An entry that does not decrypt reads as absent: it never will.
+ReadResult<std::string> SecurePrefs::decrypted(const ReadResult<DefaultsValue>& value) const {
   if (value.isError()) {
     return ReadResult<std::string>::error(value.status());
   }

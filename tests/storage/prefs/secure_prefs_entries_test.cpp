@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <thread>
@@ -133,6 +134,34 @@ TEST_F(SecurePrefsEntries, EncryptionFailuresLogAndStoreNothing) {
     EXPECT_EQ(line.level, LogLevel::debug);
     EXPECT_EQ(line.category, LoggerCategory::storage);
   }
+}
+
+TEST_F(SecurePrefsEntries, ReadStringsAnswersEachKeyLikeReadString) {
+  prefs->setString("one", "a");
+  prefs->setString("two", "b");
+  const std::array<std::string_view, 3> keys{"b", "missing", "a"};
+  auto values = prefs->readStrings(keys);
+  ASSERT_EQ(values.size(), 3u);
+  EXPECT_EQ(values[0].value(), "two");
+  EXPECT_TRUE(values[1].isAbsent());
+  EXPECT_EQ(values[2].value(), "one");
+
+  for (const auto& [storedKey, value] : store->entries(kSuite))
+    store->set(kSuite, storedKey, DefaultsValue(DefaultsData(15, 0x41)));
+  values = prefs->readStrings(keys);
+  EXPECT_TRUE(values[0].isAbsent() && values[2].isAbsent());
+}
+
+TEST_F(SecurePrefsEntries, ReadStringsOfAKeyThatCannotBeEncryptedReadsNothing) {
+  prefs->setString("v", "good");
+  auto sink = CaptureLogSink::install();
+  const std::array<std::string_view, 2> keys{"good", "bad\xFFkey"};
+  const auto values = prefs->readStrings(keys);
+  ASSERT_EQ(values.size(), 2u);
+  EXPECT_TRUE(values[0].isError() && values[1].isError());
+  EXPECT_EQ(sink->messages(),
+            (std::vector<std::string>{"Failed to return value by key, because key: \"bad\xFFkey\" "
+                                      "could not be re-encrypted."}));
 }
 
 TEST_F(SecurePrefsEntries, KeylessManagerFailsOnTheKeyFirst) {

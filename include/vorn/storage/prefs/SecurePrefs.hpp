@@ -24,8 +24,10 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vorn/base/Export.hpp"
 #include "vorn/platform/DefaultsStore.hpp"
@@ -63,6 +65,10 @@ class VORN_API SecurePrefs {
   /// stringFor(), with a failed read (an error) told apart from an absent entry. An entry
   /// that does not decrypt reads as absent: it never will.
   ReadResult<std::string> readString(std::string_view key) const;
+  /// readString() of each key, in the order given, as one snapshot of the store (see
+  /// DefaultsStore::readSnapshot); cheaper than reading them one by one from the file. When a
+  /// key cannot be encrypted every result is an error and nothing is read.
+  std::vector<ReadResult<std::string>> readStrings(std::span<const std::string_view> keys) const;
   /// A base-10 integer with an optional sign; anything else gives no value.
   std::optional<std::int64_t> intFor(std::string_view key) const;
   /// Exactly "true" or "false"; anything else gives no value.
@@ -77,6 +83,7 @@ class VORN_API SecurePrefs {
 
  private:
   std::optional<std::string> storedKey(std::string_view key) const;
+  ReadResult<std::string> decrypted(const ReadResult<DefaultsValue>& value) const;
 
   const DefaultsSuite suite_;
   const std::shared_ptr<EncryptionManager> encryptionManager_;
