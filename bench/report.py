@@ -64,6 +64,17 @@ PAIRS = [
     ("storage", "BM_KeyEncryptData42Bytes", "BM_Floor_Aes256Cbc42Bytes", "", "op"),
 ]
 
+# Resident memory, from counters in KiB: (program, benchmark, counter, host counter, goal in
+# MiB). Shown in a table of their own; the floor is the host process before the SDK started.
+MEMORY = [
+    ("idle", "BM_IdleResidentMemory_BothModules/iterations:1", "rss_added_KiB", "rss_host_KiB",
+     5.0),
+    ("idle", "BM_IdleResidentMemory_BothModules/iterations:1", "private_dirty_added_KiB",
+     "private_dirty_host_KiB", 5.0),
+    ("idle", "BM_IdleResidentMemory_BothModules/iterations:1", "pss_added_KiB", "pss_host_KiB",
+     5.0),
+]
+
 NS_PER = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
@@ -109,6 +120,36 @@ def unit_for(*values):
         if largest < 1000 * NS_PER[unit]:
             return unit
     return "s"
+
+
+def mib(entry, counter):
+    """The counter (KiB) in MiB, or None when the run failed or has no such counter."""
+    if entry is None or entry.get("error_occurred") or counter not in entry:
+        return None
+    return entry[counter] / 1024
+
+
+def memory_table(results, used):
+    """Prints the resident memory figures; answers how many are missing or over their goal."""
+    rows = []
+    bad = 0
+    for program, figure, counter, host_counter, goal in MEMORY:
+        used.add((program, figure))
+        entry = results.get(program, {}).get(figure)
+        added, host = mib(entry, counter), mib(entry, host_counter)
+        verdict = "missing" if added is None else ("ok" if added <= goal else "over")
+        bad += verdict != "ok"
+        rows.append((f"{program}: {counter}", "?" if added is None else f"{added:.2f}",
+                     "?" if host is None else f"{host:.2f}", f"{goal:g}", verdict))
+    header = ("figure", "added MiB", "host MiB", "goal MiB", "")
+    widths = [max(len(str(row[i])) for row in rows + [header]) for i in range(len(header))]
+    line = "  ".join(("{:<%d}" if i == 0 else "{:>%d}") % w for i, w in enumerate(widths))
+    print("\nResident memory the SDK adds over its host (started with both modules, idle):")
+    print(line.format(*header))
+    print("  ".join("-" * w for w in widths))
+    for row in rows:
+        print(line.format(*row))
+    return bad
 
 
 def main(argv):
@@ -162,6 +203,8 @@ def main(argv):
         print(f"\n{len(ratios)} paired figures, geometric mean ours/floor {geo:.2f}x; "
               f"{sum(1 for r in rows if r[2] == '—')} without a floor.")
 
+    missing += memory_table(results, used)
+
     unpaired = sorted(f"{p}: {name}" for p, entries in results.items() for name in entries
                       if (p, name) not in used)
     if unpaired:
@@ -169,7 +212,7 @@ def main(argv):
         for name in unpaired:
             print("  " + name)
     if missing:
-        print(f"\n{missing} benchmark result(s) missing or failed.")
+        print(f"\n{missing} benchmark result(s) missing, failed or over their goal.")
     return 1 if unpaired or missing else 0
 
 
