@@ -1,7 +1,10 @@
 #include "vorn/runtime/Operation.hpp"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 
+#include "runtime/OperationQueueLink.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
 
 namespace vorn {
@@ -10,6 +13,43 @@ constexpr std::string_view kIsExecuting = "isExecuting";
 constexpr std::string_view kIsFinished = "isFinished";
 constexpr std::string_view kIsCancelled = "isCancelled";
 constexpr std::string_view kIsReady = "isReady";
+
+// The observers of one announcement, copied out of the lock. Up to a few are kept on the
+// stack: an operation is announced six times on its way through a queue, and a heap copy
+// each time would dominate the cost of a small operation. Few have more than one observer.
+class ObserverSnapshot {
+ public:
+  using Observers = std::vector<
+      std::pair<Operation::ObserverToken, std::shared_ptr<const Operation::KeyObserver>>>;
+
+  explicit ObserverSnapshot(const Observers& observers) {
+    if (observers.size() <= few_.size()) {
+      std::transform(observers.begin(), observers.end(), few_.begin(),
+                     [](const auto& entry) { return entry.second; });
+      return;
+    }
+    many_.reserve(observers.size());
+    for (const auto& entry : observers) {
+      many_.push_back(entry.second);
+    }
+  }
+
+  void notify(std::string_view key, bool isPrior) const {
+    for (const auto& observer : few_) {
+      if (observer) {
+        (*observer)(key, isPrior);
+      }
+    }
+    for (const auto& observer : many_) {
+      (*observer)(key, isPrior);
+    }
+  }
+
+ private:
+  std::array<std::shared_ptr<const Operation::KeyObserver>, 4> few_;
+  std::vector<std::shared_ptr<const Operation::KeyObserver>> many_;
+};
+
 }  // namespace
 
 Operation::Operation() = default;
@@ -134,6 +174,7 @@ Operation::ObserverToken Operation::addObserver(KeyObserver observer) {
   std::lock_guard lock(mutex_);
   const ObserverToken token = nextToken_++;
   observers_.emplace_back(token, std::make_shared<const KeyObserver>(std::move(observer)));
+  observerCount_.store(observers_.size(), std::memory_order_release);
   return token;
 }
 
@@ -145,35 +186,51 @@ void Operation::removeObserver(ObserverToken token) {
   if (it != observers_.end()) {
     removed = std::move(it->second);
     observers_.erase(it);
+    observerCount_.store(observers_.size(), std::memory_order_release);
   }
 }
 
 void Operation::willChangeValueForKey(std::string_view key) {
-  notifyObservers(key, true);
+  notifyObservers(key, true, false);
 }
 
 void Operation::didChangeValueForKey(std::string_view key) {
-  notifyObservers(key, false);
-  if (key == kIsFinished && isFinished() && !finishHandled_.exchange(true)) {
+  // Asked once and before any lock of ours: a subclass's isFinished() may take its own locks,
+  // which must never nest inside ours.
+  const bool finishedNow = key == kIsFinished && isFinished();
+  notifyObservers(key, false, finishedNow);
+  if (finishedNow && !finishHandled_.exchange(true)) {
     handleFinished();
   }
 }
 
-void Operation::notifyObservers(std::string_view key, bool isPrior) {
-  std::vector<std::shared_ptr<const KeyObserver>> snapshot;
+void Operation::notifyObservers(std::string_view key, bool isPrior, bool finishedNow) {
+  const bool forQueue = finishedNow || (!isPrior && key == kIsReady);
+  if (!forQueue && observerCount_.load(std::memory_order_acquire) == 0) {
+    return;
+  }
+  std::optional<ObserverSnapshot> observers;
+  std::shared_ptr<detail::OperationQueueLink> link;
   {
     std::lock_guard lock(mutex_);
-    if (observers_.empty()) {
-      return;
-    }
-    snapshot.reserve(observers_.size());
-    for (const auto& entry : observers_) {
-      snapshot.push_back(entry.second);
+    observers.emplace(observers_);
+    if (finishedNow) {
+      link = std::move(queueLink_);
+    } else if (forQueue) {
+      link = queueLink_;
     }
   }
-  for (const auto& observer : snapshot) {
-    (*observer)(key, isPrior);
+  observers->notify(key, isPrior);
+  if (link && finishedNow) {
+    link->operationFinished();
+  } else if (link) {
+    link->readinessMayHaveChanged();
   }
+}
+
+void Operation::attachToQueue(std::shared_ptr<detail::OperationQueueLink> link) {
+  std::lock_guard lock(mutex_);
+  queueLink_ = std::move(link);
 }
 
 void Operation::handleFinished() {

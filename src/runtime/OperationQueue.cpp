@@ -1,14 +1,19 @@
 #include "vorn/runtime/OperationQueue.hpp"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <list>
 #include <mutex>
 #include <string_view>
 #include <utility>
 
+#include "runtime/Deadline.hpp"
+#include "runtime/OperationQueueLink.hpp"
+#include "runtime/WorkerPool.hpp"
 #include "vorn/runtime/BlockOperation.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
 
@@ -36,16 +41,35 @@ class ScopedCurrentQueue {
 };
 }  // namespace
 
-// Shared by the public object and by the observer the queue registers on each of its
-// operations; that observer keeps it alive until the operation has finished.
+// Shared by the public object and by the entry of each operation it holds; an entry keeps it
+// alive until its operation has finished.
+//
+// Operations that may start go, in start order, to `runnable`, from which runner tasks on the
+// worker pool start them one after another. Handing each operation to the pool on its own
+// would cost a pool hand-off, two closures and often a thread wake-up per operation; a runner
+// that keeps going while work is queued pays that once per burst. Operations may still block
+// for as long as they like: while anything waits in `runnable`, one more runner waits on the
+// pool (`runnerQueued`), so no operation waits for another to finish, and the pool grows
+// as usual when every worker is blocked.
 struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
-  struct Entry {
-    std::shared_ptr<Operation> operation;
-    Operation::ObserverToken token = 0;                    // guarded by mutex
-    bool started = false;                                  // guarded by mutex
-    bool finished = false;                                 // guarded by mutex
-    std::list<std::shared_ptr<Entry>>::iterator position;  // in `all`; guarded by mutex
+  struct Entry final : OperationQueueLink {
+    Entry(std::shared_ptr<Operation> op, std::shared_ptr<OperationQueueCore> owner)
+        : operation(std::move(op)), core(std::move(owner)) {}
+
+    void operationFinished() override { core->finished(*this); }
+    void readinessMayHaveChanged() override { core->requestPump(); }
+
+    const std::shared_ptr<Operation> operation;
+    const std::shared_ptr<OperationQueueCore> core;
+    bool started = false;                                  // guarded by core->mutex
+    bool finished = false;                                 // guarded by core->mutex
+    std::list<std::shared_ptr<Entry>>::iterator position;  // in `all`; guarded by core->mutex
   };
+
+  // How long a runner keeps its worker once other pool work is waiting: long enough to
+  // amortise the hand-off, short enough that other queues barely notice, and far below the
+  // pool's stall interval, so a busy runner never reads as a blocked worker.
+  static constexpr std::chrono::microseconds kRunnerSlice{250};
 
   explicit OperationQueueCore(OperationQueue* queueOwner) : owner(queueOwner) {}
 
@@ -54,10 +78,83 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
                              : static_cast<std::size_t>(maxConcurrent);
   }
 
-  // Starts ready operations in the order they were added while the limit allows. One thread
-  // pumps at a time (others just ask it to go round again), which makes it the only one
-  // to erase from `pending` and keeps its iterator valid while the lock is dropped to ask
-  // an operation whether it is ready.
+  void add(std::shared_ptr<Operation> operation) {
+    auto entry = std::make_shared<Entry>(std::move(operation), shared_from_this());
+    // Attached before the entry is visible: a readiness change in between only triggers a
+    // pump that finds nothing, and the code below picks the operation up.
+    entry->operation->attachToQueue(entry);
+    // Asked outside the lock, as pump() does: isReady() may take the operation's own locks.
+    const bool ready = entry->operation->isReady();
+    bool submit = false;
+    bool pumpNeeded = false;
+    {
+      std::lock_guard lock(mutex);
+      entry->position = all.insert(all.end(), entry);
+      count.store(all.size(), std::memory_order_release);
+      // Straight to the runners when nothing added earlier is still waiting to start.
+      if (ready && pending.empty() && running < limitLocked()) {
+        submit = makeRunnableLocked(entry);
+      } else {
+        pending.push_back(std::move(entry));
+        pumpNeeded = true;
+      }
+    }
+    if (submit) {
+      submitRunner();
+    }
+    if (pumpNeeded) {
+      pump();
+    }
+  }
+
+  // Counts the entry as running and queues it for a runner; true when the caller must
+  // submit a runner because none is waiting on the pool.
+  bool makeRunnableLocked(std::shared_ptr<Entry> entry) {
+    entry->started = true;
+    ++running;
+    runnable.push_back(std::move(entry));
+    return claimRunnerLocked();
+  }
+
+  bool claimRunnerLocked() {
+    if (runnerQueued) {
+      return false;
+    }
+    runnerQueued = true;
+    return true;
+  }
+
+  void submitRunner() {
+    DispatchQueue::global().async([self = shared_from_this()] { self->runRunner(); });
+  }
+
+  void runRunner() {
+    const Deadline sliceEnd = deadlineAfter(kRunnerSlice);
+    std::unique_lock lock(mutex);
+    runnerQueued = false;
+    while (!runnable.empty()) {
+      std::shared_ptr<Entry> entry = std::move(runnable.front());
+      runnable.pop_front();
+      // The operation about to start may block; whatever waits behind it gets a runner of
+      // its own.
+      const bool sibling = !runnable.empty() && claimRunnerLocked();
+      lock.unlock();
+      if (sibling) {
+        submitRunner();
+      }
+      runStart(*entry->operation);
+      entry.reset();
+      if (WorkerPool::shared().hasWaitingTasks() && std::chrono::steady_clock::now() >= sliceEnd) {
+        return;
+      }
+      lock.lock();
+    }
+  }
+
+  // Moves ready operations, in the order they were added, to the runners while the limit
+  // allows. One thread pumps at a time (others just ask it to go round again), which makes
+  // it the only one to erase from `pending` and keeps its iterator valid while the lock is
+  // dropped to ask an operation whether it is ready.
   void pump() {
     std::unique_lock lock(mutex);
     if (pumping) {
@@ -65,6 +162,7 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
       return;
     }
     pumping = true;
+    bool submit = false;
     do {
       repump = false;
       auto it = pending.begin();
@@ -81,16 +179,17 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
           it = pending.erase(it);
         } else if (ready && running < limitLocked()) {
           it = pending.erase(it);
-          entry->started = true;
-          ++running;
-          DispatchQueue::global().async(
-              [self = shared_from_this(), entry] { self->runStart(*entry->operation); });
+          submit = makeRunnableLocked(entry) || submit;
         } else {
           ++it;
         }
       }
     } while (repump);
     pumping = false;
+    lock.unlock();
+    if (submit) {
+      submitRunner();
+    }
   }
 
   void runStart(Operation& operation) {
@@ -135,50 +234,48 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
     });
   }
 
-  void finished(const std::shared_ptr<Entry>& entry) {
-    const std::shared_ptr<OperationQueueCore> self = shared_from_this();
-    Operation::ObserverToken token = 0;
+  void finished(Entry& entry) {
+    bool pumpNeeded = false;
     {
       std::lock_guard lock(mutex);
-      if (entry->finished) {
+      if (entry.finished) {
         return;
       }
-      entry->finished = true;
-      all.erase(entry->position);
-      if (entry->started) {
+      entry.finished = true;
+      if (entry.started) {
         --running;
       }
-      token = entry->token;
+      // Only operations still waiting to start can gain from the freed place.
+      pumpNeeded = !pending.empty();
+      all.erase(entry.position);
+      count.store(all.size(), std::memory_order_release);
       if (all.empty()) {
         drained.notify_all();
       }
     }
-    entry->operation->removeObserver(token);
-  }
-
-  void observe(const std::shared_ptr<Entry>& entry, std::string_view key) {
-    if (key == "isFinished") {
-      if (entry->operation->isFinished()) {
-        finished(entry);
-        requestPump();
-      }
-    } else if (key == "isReady") {
+    if (pumpNeeded) {
       requestPump();
     }
   }
 
   std::atomic<OperationQueue*> owner;
+  // Mirrors all.size(), so that operationCount() takes no lock: senders that check a bound
+  // before every add would otherwise contend with the runners for `mutex`. Release/acquire:
+  // a caller that sees the count drop also sees what the finished operations did.
+  std::atomic<std::size_t> count{0};
 
   mutable std::mutex mutex;
   std::condition_variable drained;
   std::string name;                                                         // guarded by mutex
   int maxConcurrent = OperationQueue::kDefaultMaxConcurrentOperationCount;  // guarded by mutex
-  std::list<std::shared_ptr<Entry>> all;      // guarded by mutex; added, not finished
-  std::list<std::shared_ptr<Entry>> pending;  // guarded by mutex; not started, add order
-  std::size_t running = 0;                    // guarded by mutex
-  bool pumping = false;                       // guarded by mutex
-  bool repump = false;                        // guarded by mutex
-  bool deferredPumpScheduled = false;         // guarded by mutex
+  std::list<std::shared_ptr<Entry>> all;        // guarded by mutex; added, not finished
+  std::list<std::shared_ptr<Entry>> pending;    // guarded by mutex; not started, add order
+  std::deque<std::shared_ptr<Entry>> runnable;  // guarded by mutex; counted in `running`
+  std::size_t running = 0;                      // guarded by mutex
+  bool runnerQueued = false;                    // guarded by mutex; a runner waits on the pool
+  bool pumping = false;                         // guarded by mutex
+  bool repump = false;                          // guarded by mutex
+  bool deferredPumpScheduled = false;           // guarded by mutex
 };
 
 }  // namespace detail
@@ -221,27 +318,7 @@ void OperationQueue::addOperation(std::shared_ptr<Operation> operation) {
       operation->isFinished()) {
     return;
   }
-  using Entry = detail::OperationQueueCore::Entry;
-  auto entry = std::make_shared<Entry>();
-  entry->operation = std::move(operation);
-  // Registered before the entry is visible: a readiness change in between only triggers a
-  // pump that finds nothing, and the pump below picks the operation up.
-  const Operation::ObserverToken token = entry->operation->addObserver(
-      [core = core_, weak = std::weak_ptr<Entry>(entry)](std::string_view key, bool isPrior) {
-        if (isPrior) {
-          return;
-        }
-        if (const auto strong = weak.lock()) {
-          core->observe(strong, key);
-        }
-      });
-  {
-    std::lock_guard lock(core_->mutex);
-    entry->token = token;
-    entry->position = core_->all.insert(core_->all.end(), entry);
-    core_->pending.push_back(entry);
-  }
-  core_->pump();
+  core_->add(std::move(operation));
 }
 
 void OperationQueue::addOperation(std::function<void()> block) {
@@ -249,8 +326,7 @@ void OperationQueue::addOperation(std::function<void()> block) {
 }
 
 std::size_t OperationQueue::operationCount() const {
-  std::lock_guard lock(core_->mutex);
-  return core_->all.size();
+  return core_->count.load(std::memory_order_acquire);
 }
 
 std::vector<std::shared_ptr<Operation>> OperationQueue::operations() const {

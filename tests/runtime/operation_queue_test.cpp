@@ -66,6 +66,25 @@ TEST(OperationQueueTest, DefaultMaximumRunsOperationsSideBySide) {
   EXPECT_EQ(met.load(), 2);
 }
 
+// Operations are started one after another by as few pool tasks as possible; one that blocks
+// must still never hold back those added after it, however many block at once.
+TEST(OperationQueueTest, DefaultMaximumStartsEveryOperationWhileEarlierOnesBlock) {
+  OperationQueue queue;
+  constexpr int kOperations = 6;
+  testing::Latch all(kOperations);
+  std::atomic<int> met{0};
+  for (int i = 0; i < kOperations; ++i) {
+    queue.addOperation([&] {
+      all.countDown();
+      if (all.wait()) {
+        met.fetch_add(1);
+      }
+    });
+  }
+  queue.waitUntilAllOperationsAreFinished();
+  EXPECT_EQ(met.load(), kOperations);
+}
+
 TEST(OperationQueueTest, CountsAndListsOperationsUntilTheyFinish) {
   OperationQueue queue;
   queue.setMaxConcurrentOperationCount(1);

@@ -48,6 +48,25 @@ TEST(OperationTest, DefaultStartAnnouncesItsStatesInOrder) {
                                       "will:isFinished", "did:isFinished", "did:isExecuting"}));
 }
 
+// Past the few observers an announcement copies on the stack, the rest still hear every
+// change, in order, and one removed in between hears no more.
+TEST(OperationTest, ManyObserversAllHearEveryAnnouncement) {
+  auto op = std::make_shared<BlockOperation>([] {});
+  std::vector<std::unique_ptr<KeyRecorder>> recorders;
+  std::vector<Operation::ObserverToken> tokens;
+  for (int i = 0; i < 7; ++i) {
+    recorders.push_back(std::make_unique<KeyRecorder>());
+    tokens.push_back(op->addObserver(recorders.back()->observer()));
+  }
+  op->removeObserver(tokens[3]);
+  op->start();
+  const std::vector<std::string> all{"will:isExecuting", "did:isExecuting", "will:isExecuting",
+                                     "will:isFinished",  "did:isFinished",  "did:isExecuting"};
+  for (std::size_t i = 0; i < recorders.size(); ++i) {
+    EXPECT_EQ(recorders[i]->events(), i == 3 ? std::vector<std::string>{} : all) << i;
+  }
+}
+
 TEST(OperationTest, CancelledBeforeStartFinishesWithoutMainAndRunsCompletion) {
   std::atomic<bool> mainRan{false};
   auto op = std::make_shared<BlockOperation>([&] { mainRan = true; });

@@ -24,6 +24,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -35,6 +36,11 @@
 #include "vorn/base/Export.hpp"
 
 namespace vorn {
+
+namespace detail {
+struct OperationQueueCore;
+struct OperationQueueLink;
+}  // namespace detail
 
 class VORN_API Operation : public std::enable_shared_from_this<Operation> {
  public:
@@ -86,8 +92,11 @@ class VORN_API Operation : public std::enable_shared_from_this<Operation> {
 
  private:
   friend class OperationQueue;
+  friend struct detail::OperationQueueCore;
 
-  void notifyObservers(std::string_view key, bool isPrior);
+  // `finishedNow`: a did-change of "isFinished" with isFinished() true.
+  void notifyObservers(std::string_view key, bool isPrior, bool finishedNow);
+  void attachToQueue(std::shared_ptr<detail::OperationQueueLink> link);
   void handleFinished();
   void addDependent(const Operation* dependent, std::weak_ptr<Operation> weak);
   void removeDependent(const Operation* dependent);
@@ -100,6 +109,8 @@ class VORN_API Operation : public std::enable_shared_from_this<Operation> {
   std::atomic<bool> finishHandled_{false};
   // Set by the first OperationQueue that accepts the operation; an operation runs once.
   std::atomic<bool> enqueued_{false};
+  // Mirrors observers_.size(), so that an announcement nobody listens to takes no lock.
+  std::atomic<std::size_t> observerCount_{0};
 
   mutable std::mutex mutex_;
   std::vector<std::shared_ptr<Operation>> dependencies_;  // guarded by mutex_
@@ -110,6 +121,10 @@ class VORN_API Operation : public std::enable_shared_from_this<Operation> {
       observers_;                     // guarded by mutex_
   ObserverToken nextToken_ = 1;       // guarded by mutex_
   std::function<void()> completion_;  // guarded by mutex_
+  // Guarded by mutex_. The queue that accepted the operation hears of readiness and of the
+  // finish directly rather than as a registered observer: a registration would cost the
+  // queue several allocations per operation. Dropped once it has heard of the finish.
+  std::shared_ptr<detail::OperationQueueLink> queueLink_;
 };
 
 }  // namespace vorn
