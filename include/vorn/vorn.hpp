@@ -111,6 +111,7 @@
 #include "vorn/platform/ReadResult.hpp"
 #include "vorn/runtime/Atomic.hpp"
 #include "vorn/runtime/BlockOperation.hpp"
+#include "vorn/runtime/DelayedWork.hpp"
 #include "vorn/runtime/DispatchGroup.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
 #include "vorn/runtime/Durations.hpp"

@@ -362,9 +362,17 @@ void CdpModule::armTimer(std::chrono::nanoseconds delay) {
   if (timerDue_ && *timerDue_ <= due)
     return;
   timerDue_ = due;
-  queue_.asyncAfter(delay, [weak = weak_from_this(), generation = ++timerGeneration_] {
+  // The timer that is replaced is called off, so that it does not wake the process for
+  // nothing; the generation still tells a timer already on its way that it is stale.
+  timer_.cancel();
+  const std::uint64_t generation = ++timerGeneration_;
+  // It fires on the global queue; the flush belongs on the module's own.
+  timer_ = vorn::DelayedWork::schedule(delay, [weak = weak_from_this(), generation] {
     if (auto self = weak.lock())
-      self->onTimer(generation);
+      self->queue_.async([weak, generation] {
+        if (auto module = weak.lock())
+          module->onTimer(generation);
+      });
   });
 }
 
@@ -381,6 +389,7 @@ void CdpModule::onTimer(std::uint64_t generation) {
 void CdpModule::cancelTimer() {
   timerDue_.reset();
   ++timerGeneration_;
+  timer_.cancel();
 }
 
 bool CdpModule::rewriteFile() {

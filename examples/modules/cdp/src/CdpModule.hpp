@@ -29,6 +29,7 @@
 #include "vorn/facades/CdpInterface.hpp"
 #include "vorn/logging/ModuleLogger.hpp"
 #include "vorn/messaging/Subscriber.hpp"
+#include "vorn/runtime/DelayedWork.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
 
 namespace cdp {
@@ -107,6 +108,7 @@ class CdpModule final : public vorn::VORNModule,
   bool flushPending_ = false;               // guarded by mutex_
   std::optional<SteadyTime> timerDue_;      // guarded by mutex_
   std::uint64_t timerGeneration_ = 0;       // guarded by mutex_
+  vorn::DelayedWork timer_;                 // guarded by mutex_
   std::optional<SteadyTime> blockedUntil_;  // guarded by mutex_
   std::optional<Location> location_;        // guarded by mutex_
 };
