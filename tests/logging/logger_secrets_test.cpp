@@ -15,6 +15,7 @@
 #include "vorn/storage/crypto/Base64.hpp"
 #include "vorn/storage/crypto/Hex.hpp"
 #include "vorn/storage/keystore/VORNKeyStoreManager.hpp"
+#include "vorn/storage/keystore/VORNSecureEncryptionKey.hpp"
 #include "vorn/storage/prefs/EncryptionManager.hpp"
 #include "vorn/storage/prefs/StorageManager.hpp"
 #include "vorn/testing/CaptureLogSink.hpp"
@@ -120,8 +121,9 @@ bool containsIgnoringCase(std::string_view text, std::string_view value) {
 }
 
 // Everything the key store and the encryption managers do at start, at the most verbose
-// level, with the default sink; then lines that quote every key in every encoding, from the
-// core and from a module, at every level.
+// level, with the default sink; then lines that quote every key (the modules' keys and the
+// key store's own private key) in every encoding, from the core and from a module, at every
+// level.
 TEST(DefaultSinkSecrets, NeverPrintsKeyMaterialAtAnyLevel) {
   testing::installEphemeralPlatform();
   VORNSdkLogger::shared().setLogger(LogLevel::debug, std::make_shared<LogOutputter>());
@@ -148,6 +150,17 @@ TEST(DefaultSinkSecrets, NeverPrintsKeyMaterialAtAnyLevel) {
       for (std::string& text : encodings(*material))
         secrets.push_back(std::move(text));
   }
+  // The key store's own key: an EC pair, whose private half is the point and the scalar.
+  const auto keyStoreKey = VORNKeyStoreManager::shared()->generatedKeyStore().keyStoreKey();
+  ASSERT_NE(keyStoreKey, nullptr);
+  const auto secure =
+      std::dynamic_pointer_cast<VORNSecureEncryptionKey>(keyStoreKey->encryptionKey());
+  ASSERT_NE(secure, nullptr);
+  const Bytes privateKey = secure->privateKey()->externalRepresentation();
+  ASSERT_EQ(privateKey.size(), 65u + 32u);
+  for (const Bytes& material : {privateKey, Bytes(privateKey.begin() + 65, privateKey.end())})
+    for (std::string& text : encodings(material))
+      secrets.push_back(std::move(text));
   ModuleLogger moduleLogger(ModuleName::cdp, {});
   for (const LogLevel level : kLevels)
     for (const std::string& secret : secrets) {

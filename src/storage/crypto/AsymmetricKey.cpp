@@ -5,7 +5,12 @@
 #include <openssl/param_build.h>
 #include <openssl/x509.h>
 
+#include <string>
+#include <vector>
+
 #include "storage/crypto/KeyMaterial.hpp"
+#include "storage/crypto/KeySecrets.hpp"
+#include "vorn/logging/VORNSdkLogger.hpp"
 
 namespace vorn {
 namespace {
@@ -49,12 +54,26 @@ PKey ecKeyFromParts(ByteView point, const std::uint8_t* scalar) {
   return result;
 }
 
+// A private key's external form, and for EC its scalar alone (the rest is the public point),
+// are secrets of the logger while the key lives.
+void holdPrivateMaterial(const AsymmetricKey& key) {
+  const Bytes external = key.externalRepresentation();
+  std::vector<std::string> secrets;
+  detail::addKeySecrets(secrets, external);
+  if (!key.isRsa() && external.size() == kECPointLength + kECScalarLength)
+    detail::addKeySecrets(secrets, ByteView(external).subspan(kECPointLength));
+  VORNSdkLogger::shared().setSecrets(&key, std::move(secrets));
+}
+
 }  // namespace
 
 AsymmetricKey::AsymmetricKey(std::unique_ptr<Native> native) noexcept
     : native_(std::move(native)) {}
 
-AsymmetricKey::~AsymmetricKey() = default;
+AsymmetricKey::~AsymmetricKey() {
+  if (native_ && native_->isPrivate)
+    VORNSdkLogger::shared().setSecrets(this, {});
+}
 
 bool AsymmetricKey::isRsa() const noexcept {
   return native_->rsa;
@@ -81,7 +100,10 @@ KeyRef makeKeyRef(PKey key, bool rsa, bool isPrivate) {
   native->key = std::move(key);
   native->rsa = rsa;
   native->isPrivate = isPrivate;
-  return std::make_shared<const AsymmetricKey>(std::move(native));
+  auto made = std::make_shared<const AsymmetricKey>(std::move(native));
+  if (isPrivate)
+    holdPrivateMaterial(*made);
+  return made;
 }
 
 PKey generateRsaKey(std::size_t bits) {

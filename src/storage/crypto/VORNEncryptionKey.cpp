@@ -3,32 +3,23 @@
 #include <string>
 #include <vector>
 
+#include "storage/crypto/KeySecrets.hpp"
 #include "vorn/logging/VORNSdkLogger.hpp"
 #include "vorn/storage/crypto/Base64.hpp"
-#include "vorn/storage/crypto/Hex.hpp"
 #include "vorn/storage/crypto/VORNSDKCryptoUtils.hpp"
 
 namespace vorn {
 namespace {
 
 constexpr std::size_t kIVLength = 16;
-constexpr std::size_t kShortestSecret = 8;
-
-void addSecret(std::vector<std::string>& secrets, const Bytes& material) {
-  if (material.size() < kShortestSecret)
-    return;
-  secrets.emplace_back(material.begin(), material.end());
-  secrets.push_back(newHexStringFromBytes(material));
-  secrets.push_back(base64Encode(material));
-}
 
 }  // namespace
 
 VORNEncryptionKey::VORNEncryptionKey(Bytes key, Bytes initializationVector)
     : key_(std::move(key)), initializationVector_(std::move(initializationVector)) {
   std::vector<std::string> secrets;
-  addSecret(secrets, key_);
-  addSecret(secrets, initializationVector_);
+  detail::addKeySecrets(secrets, key_);
+  detail::addKeySecrets(secrets, initializationVector_);
   VORNSdkLogger::shared().setSecrets(this, std::move(secrets));
 }
 

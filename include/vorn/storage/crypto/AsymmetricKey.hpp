@@ -5,6 +5,10 @@
 // The external representation is the keychain's: an RSA key is its PKCS#1 DER structure
 // (RSAPublicKey or RSAPrivateKey); an EC public key is the uncompressed point 04 || X || Y and
 // an EC private key the point followed by the 32-byte private scalar.
+//
+// While a private key made by the library lives, its external representation (and an EC key's
+// scalar alone) is a secret of the logger (VORNSdkLogger::setSecrets) as raw bytes,
+// hexadecimal and base64 text, so no log line and no sink can show it.
 #pragma once
 
 #include <cstddef>
