@@ -8,6 +8,7 @@
 #include <limits>
 #include <list>
 #include <mutex>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -129,7 +130,7 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
   }
 
   void runRunner() {
-    const Deadline sliceEnd = deadlineAfter(kRunnerSlice);
+    std::optional<Deadline> sliceEnd;  // set when other pool work is first seen waiting
     std::unique_lock lock(mutex);
     runnerQueued = false;
     while (!runnable.empty()) {
@@ -144,11 +145,22 @@ struct OperationQueueCore : std::enable_shared_from_this<OperationQueueCore> {
       }
       runStart(*entry->operation);
       entry.reset();
-      if (WorkerPool::shared().hasWaitingTasks() && std::chrono::steady_clock::now() >= sliceEnd) {
+      if (sliceOver(sliceEnd)) {
         return;
       }
       lock.lock();
     }
+  }
+
+  static bool sliceOver(std::optional<Deadline>& sliceEnd) {
+    if (!WorkerPool::shared().hasWaitingTasks()) {
+      return false;
+    }
+    if (!sliceEnd) {
+      sliceEnd = deadlineAfter(kRunnerSlice);
+      return false;
+    }
+    return std::chrono::steady_clock::now() >= *sliceEnd;
   }
 
   // Moves ready operations, in the order they were added, to the runners while the limit
