@@ -128,16 +128,17 @@ class IdleWithModulesTest : public ::testing::Test {
   Switches preexisting_;
   testing::ScopedTimeScale timeScale_{kTimeScale};
   testing::TemporaryDirectory directory_;
+  // Keeps the library's debug lines out of the test's output.
   std::shared_ptr<testing::CaptureLogSink> log_ = testing::CaptureLogSink::install();
 };
 
 TEST_F(IdleWithModulesTest, NoThreadOfTheLibraryWakesOnceBothModulesHaveStarted) {
-  startBothModules();
+  ASSERT_NO_FATAL_FAILURE(startBothModules());
   expectNoWakeupsOnceSettled();
 }
 
 TEST_F(IdleWithModulesTest, NoThreadOfTheLibraryWakesOnceAFullBatchIsUploaded) {
-  startBothModules();
+  ASSERT_NO_FATAL_FAILURE(startBothModules());
   // The first event arms the flush timer (1 s); the second fills the batch, which goes at
   // once and leaves the timer nothing to flush.
   VORNSdk::track(CustomEvent::create("first"));
