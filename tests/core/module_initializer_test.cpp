@@ -84,9 +84,6 @@ TEST_F(ModuleInitializerTest, StartsTheModuleOnAFreshQueueAndStoresIt) {
   EXPECT_EQ(module->config(), config);
   EXPECT_EQ(module->components()->storageManager()->moduleAppId(), "APP1");
   EXPECT_FALSE(operation->operationTimedOut());
-  EXPECT_TRUE(
-      sink->contains("New operation (1 of 100) added to the `vornsdk.module.push.tasks` "
-                     "queue."));
 }
 
 TEST_F(ModuleInitializerTest, AFactoryWithoutModuleStoresNothing) {
@@ -116,6 +113,11 @@ TEST_F(ModuleInitializerTest, AModuleArrivingAfterTheTimeOutIsDropped) {
 TEST_F(ModuleInitializerTest, AModuleArrivingAfterCancellationIsDropped) {
   auto operation = initializer(gatedClass());
   ModuleInitializer::addToFreshQueue(operation);
+  // Held at the gate, the operation is still counted when the line reads the count; a module
+  // that answers at once may already be gone and read 0.
+  EXPECT_TRUE(
+      sink->contains("New operation (1 of 100) added to the `vornsdk.module.push.tasks` "
+                     "queue."));
   ASSERT_TRUE(entered.wait());
   operation->cancel();
   gate.countDown();
