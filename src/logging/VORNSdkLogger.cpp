@@ -32,7 +32,7 @@ void VORNSdkLogger::logMessage(LogLevel level, LoggerSubsystem subsystem, Logger
     std::lock_guard lock(mutex_);
     outputter = logOutputter_;
     redacted = redactedValues_;
-    secrets = secrets_;
+    secrets = publishedSecrets();
   }
   if (!outputter)
     return;
@@ -105,33 +105,46 @@ void VORNSdkLogger::setRedactedValues(std::vector<std::string> values) {
   redactedValues_ = std::move(replacement);
 }
 
+// Keys come and go with every start-up, so a change costs a few map steps per secret; the
+// sorted list the lines are scrubbed with is rebuilt only when a line needs it.
 void VORNSdkLogger::setSecrets(const void* owner, std::vector<std::string> secrets) {
   std::erase(secrets, std::string());
+  std::sort(secrets.begin(), secrets.end());
+  secrets.erase(std::unique(secrets.begin(), secrets.end()), secrets.end());
   std::lock_guard lock(mutex_);
   const auto found = secretsByOwner_.find(owner);
   if (found == secretsByOwner_.end() ? secrets.empty() : found->second == secrets)
     return;
+  if (found != secretsByOwner_.end()) {
+    for (const std::string& secret : found->second)
+      if (const auto use = secretUses_.find(secret); --use->second == 0)
+        secretUses_.erase(use);
+  }
+  for (const std::string& secret : secrets)
+    ++secretUses_[secret];
   if (secrets.empty())
     secretsByOwner_.erase(found);
   else
     secretsByOwner_.insert_or_assign(owner, std::move(secrets));
-  secrets_ = std::make_shared<const std::vector<std::string>>(mergeSecrets());
+  secrets_.reset();
 }
 
 std::size_t VORNSdkLogger::secretCount() const {
   std::lock_guard lock(mutex_);
-  return secrets_->size();
+  return secretUses_.size();
 }
 
-std::vector<std::string> VORNSdkLogger::mergeSecrets() const {
-  std::vector<std::string> merged;
-  for (const auto& [owner, secrets] : secretsByOwner_)
-    merged.insert(merged.end(), secrets.begin(), secrets.end());
-  std::sort(merged.begin(), merged.end(), [](const std::string& a, const std::string& b) {
-    return a.size() != b.size() ? a.size() > b.size() : a < b;
-  });
-  merged.erase(std::unique(merged.begin(), merged.end()), merged.end());
-  return merged;
+std::shared_ptr<const std::vector<std::string>> VORNSdkLogger::publishedSecrets() {
+  if (secrets_)
+    return secrets_;
+  std::vector<std::string> sorted;
+  sorted.reserve(secretUses_.size());
+  for (const auto& [secret, uses] : secretUses_)
+    sorted.push_back(secret);
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const std::string& a, const std::string& b) { return a.size() > b.size(); });
+  secrets_ = std::make_shared<const std::vector<std::string>>(std::move(sorted));
+  return secrets_;
 }
 
 void VORNSdkLogger::publishGate() {

@@ -90,8 +90,9 @@ class VORN_API VORNSdkLogger {
  private:
   VORNSdkLogger() = default;
   ~VORNSdkLogger() = default;
-  void publishGate();                             // requires mutex_
-  std::vector<std::string> mergeSecrets() const;  // requires mutex_
+  void publishGate();  // requires mutex_
+  // Every distinct secret, longest first, built on first use after a change.
+  std::shared_ptr<const std::vector<std::string>> publishedSecrets();  // requires mutex_
 
   // The fast-path summary of the configuration: bits 0-7 hold the lowest level that passes
   // (beyond every level when there is no sink), bits 8-24 the filtered categories as a mask
@@ -108,9 +109,8 @@ class VORN_API VORNSdkLogger {
   std::shared_ptr<const std::vector<std::string>> redactedValues_ =
       std::make_shared<const std::vector<std::string>>();           // guarded by mutex_
   std::map<const void*, std::vector<std::string>> secretsByOwner_;  // guarded by mutex_
-  // Every owner's secrets, distinct, longest first; rebuilt when an owner's list changes.
-  std::shared_ptr<const std::vector<std::string>> secrets_ =
-      std::make_shared<const std::vector<std::string>>();  // guarded by mutex_
+  std::map<std::string, std::size_t> secretUses_;            // guarded by mutex_: owners per secret
+  std::shared_ptr<const std::vector<std::string>> secrets_;  // guarded by mutex_; null: stale
 };
 
 }  // namespace vorn
