@@ -31,8 +31,8 @@ extern "C" {
 /* Outcome of a bridge call. The raw values are part of the ABI and never change. */
 typedef enum vorn_status {
   VORN_OK = 0,
-  /* A NULL where a value is needed, text that is not the JSON asked for, an out-of-range
-   * enumeration value. */
+  /* A NULL where a value is needed, text that is not the JSON asked for (JSON nested more
+   * than 64 arrays and objects deep counts as such), an out-of-range enumeration value. */
   VORN_ERROR_INVALID_ARGUMENT = 1,
   /* A module name other than "cdp" or "push". */
   VORN_ERROR_UNKNOWN_MODULE = 2,
