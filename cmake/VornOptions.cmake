@@ -15,7 +15,10 @@ elseif(VORN_SANITIZE STREQUAL "thread")
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
   add_link_options(-fsanitize=thread)
 elseif(VORN_SANITIZE STREQUAL "fuzzer")
-  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+  # Undefined behaviour stops the run, so the fuzzer keeps the input as a crasher instead of
+  # printing a report and going on.
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer
+                      -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=address,undefined)
 elseif(NOT VORN_SANITIZE STREQUAL "")
   message(FATAL_ERROR "Unknown VORN_SANITIZE value '${VORN_SANITIZE}'")

@@ -1,14 +1,9 @@
 // The logger's secrets: values the library's parts and the modules register, scrubbed from
 // every line of every subsystem whatever the sink; and key material, which no line written by
 // the default sink shows at any level.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
-#include <cstdio>
-#include <fstream>
-#include <iterator>
 
 #include "vorn/logging/Log.hpp"
 #include "vorn/logging/ModuleLogger.hpp"
@@ -20,12 +15,15 @@
 #include "vorn/storage/prefs/StorageManager.hpp"
 #include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/PlatformInstall.hpp"
+#include "vorn/testing/StandardErrorToFile.hpp"
 #include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace vorn {
 namespace {
 
 using testing::CaptureLogSink;
+using testing::containsIgnoringCase;
+using testing::StandardErrorToFile;
 
 constexpr std::array kLevels = {LogLevel::debug, LogLevel::warning, LogLevel::error,
                                 LogLevel::fault};
@@ -78,46 +76,9 @@ TEST(LoggerSecrets, AKeyIsASecretWhileItLivesAndACopyIsOneToo) {
   EXPECT_EQ(sink->messages(), std::vector<std::string>{"key [REDACTED]"});
 }
 
-// Sends this process's standard error to a file while it lives.
-class StandardErrorToFile {
- public:
-  explicit StandardErrorToFile(std::filesystem::path file) : file_(std::move(file)) {
-    std::fflush(stderr);
-    saved_ = dup(STDERR_FILENO);
-    const int fd = open(file_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    dup2(fd, STDERR_FILENO);
-    close(fd);
-  }
-  ~StandardErrorToFile() { restore(); }
-
-  /// Puts standard error back and gives what was written to it meanwhile.
-  std::string restore() {
-    if (saved_ >= 0) {
-      std::fflush(stderr);
-      dup2(saved_, STDERR_FILENO);
-      close(saved_);
-      saved_ = -1;
-    }
-    std::ifstream in(file_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
-
- private:
-  const std::filesystem::path file_;
-  int saved_ = -1;
-};
-
 std::vector<std::string> encodings(const Bytes& material) {
   return {newHexStringFromBytes(material), base64Encode(material),
           std::string(material.begin(), material.end())};
-}
-
-bool containsIgnoringCase(std::string_view text, std::string_view value) {
-  const auto same = [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) ==
-           std::tolower(static_cast<unsigned char>(b));
-  };
-  return std::search(text.begin(), text.end(), value.begin(), value.end(), same) != text.end();
 }
 
 // Everything the key store and the encryption managers do at start, at the most verbose

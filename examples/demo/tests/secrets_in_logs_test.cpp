@@ -6,16 +6,10 @@
 //
 // The first run is in this process; the second, as a relaunched app, is a child process
 // started on the same data directory, which checks its own lines the same way.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cctype>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -27,11 +21,15 @@
 #include "vorn/storage/keystore/VORNKeyStoreManager.hpp"
 #include "vorn/testing/CaptureLogSink.hpp"
 #include "vorn/testing/ChildProcess.hpp"
+#include "vorn/testing/StandardErrorToFile.hpp"
 #include "vorn/testing/TemporaryDirectory.hpp"
 
 namespace {
 
 using vorn::testing::CaptureLogSink;
+using vorn::testing::containsIgnoringCase;
+using vorn::testing::contentsOf;
+using vorn::testing::StandardErrorToFile;
 
 constexpr const char* kDataOrder = "VORN_SECRETS_DEMO_DATA";
 constexpr const char* kCollectorOrder = "VORN_SECRETS_DEMO_COLLECTOR";
@@ -43,14 +41,6 @@ const std::vector<std::string> kModuleSecrets = {"deadbeef01020304", "tok-1", "t
                                                  "Bearer tok-1", "Bearer tok-2"};
 const std::vector<std::string> kProfileValues = {"demo-user-42", "cdp-visitor-7", "gold"};
 constexpr std::string_view kRegistrationIdLine = "StorageManager was initialized with ";
-
-bool containsIgnoringCase(std::string_view text, std::string_view secret) {
-  const auto same = [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) ==
-           std::tolower(static_cast<unsigned char>(b));
-  };
-  return std::search(text.begin(), text.end(), secret.begin(), secret.end(), same) != text.end();
-}
 
 void addKeyMaterial(std::vector<std::string>& secrets, const vorn::Bytes& bytes) {
   secrets.push_back(vorn::newHexStringFromBytes(bytes));
@@ -79,39 +69,6 @@ std::vector<std::string> secretsOf() {
   }
   return secrets;
 }
-
-std::string contentsOf(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-// Sends this process's standard error to a file while it lives.
-class StandardErrorToFile {
- public:
-  explicit StandardErrorToFile(std::filesystem::path file) : file_(std::move(file)) {
-    std::fflush(stderr);
-    saved_ = dup(STDERR_FILENO);
-    const int fd = open(file_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    dup2(fd, STDERR_FILENO);
-    close(fd);
-  }
-  ~StandardErrorToFile() { restore(); }
-
-  /// Puts standard error back and gives what was written to it meanwhile.
-  std::string restore() {
-    if (saved_ >= 0) {
-      std::fflush(stderr);
-      dup2(saved_, STDERR_FILENO);
-      close(saved_);
-      saved_ = -1;
-    }
-    return contentsOf(file_);
-  }
-
- private:
-  const std::filesystem::path file_;
-  int saved_ = -1;
-};
 
 struct RunOutput {
   int failedChecks = -1;

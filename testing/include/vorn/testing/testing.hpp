@@ -1,6 +1,6 @@
 // Every test-support header of vorn::testing: in-memory and fault-injecting stores, the
-// capture log sink, fake feature modules, and the wait, temporary-directory and child-process
-// helpers.
+// capture log sink, fake feature modules, and the wait, temporary-directory, child-process and
+// standard-error helpers.
 #pragma once
 
 #include "vorn/testing/CaptureLogSink.hpp"
@@ -17,6 +17,7 @@
 #include "vorn/testing/ManualClock.hpp"
 #include "vorn/testing/PlatformInstall.hpp"
 #include "vorn/testing/ScriptedHttpTransport.hpp"
+#include "vorn/testing/StandardErrorToFile.hpp"
 #include "vorn/testing/TemporaryDirectory.hpp"
 #include "vorn/testing/TimeScale.hpp"
 #include "vorn/testing/Wait.hpp"
