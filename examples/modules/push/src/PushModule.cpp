@@ -77,6 +77,7 @@ void PushModule::tearDown() {
   if (tornDown_.exchange(true))
     return;
   components_->behaviorManager()->removeObserver(observer_.get());
+  cancelRetry();
   log_->debug("Push module torn down.");
 }
 
@@ -106,15 +107,6 @@ void PushModule::onAppVersionChanged() {
 
 void PushModule::enqueue(std::function<void(PushModule&)> work) {
   queue_.async([weak = weak_from_this(), work = std::move(work)] {
-    const std::shared_ptr<PushModule> self = weak.lock();
-    if (self && !self->tornDown_.load())
-      work(*self);
-  });
-}
-
-void PushModule::enqueueAfter(std::chrono::milliseconds delay,
-                              std::function<void(PushModule&)> work) {
-  queue_.asyncAfter(delay, [weak = weak_from_this(), work = std::move(work)] {
     const std::shared_ptr<PushModule> self = weak.lock();
     if (self && !self->tornDown_.load())
       work(*self);
@@ -155,6 +147,7 @@ void PushModule::sendRegistration() {
     retryAtDeadline();
     return;
   }
+  cancelRetry();
   registration_.accepted(snapshot->version);
   ++registrationsSent_;
   log_->debug("Registration accepted.");
@@ -180,10 +173,30 @@ void PushModule::retryAtDeadline() {
     return;
   log_->debug("Registration retried in " + std::to_string((deadline - now + 999) / 1000) +
               " seconds.");
-  enqueueAfter(std::chrono::milliseconds(deadline - now + 1), [](PushModule& module) {
-    module.retryQueued_.store(false);
-    module.scheduleSend();
-  });
+  // It fires on the global queue; the send belongs on the module's own. A DelayedWork, so a
+  // retry that a success or the teardown made moot never wakes the process.
+  const auto fire = [weak = weak_from_this()] {
+    if (const auto self = weak.lock())
+      self->enqueue([](PushModule& module) {
+        module.retryQueued_.store(false);
+        module.scheduleSend();
+      });
+  };
+  const auto retry =
+      vorn::DelayedWork::schedule(std::chrono::milliseconds(deadline - now + 1), fire);
+  std::lock_guard lock(mutex_);
+  retry_ = retry;
+  // tearDown() sets the flag before it takes the lock to cancel.
+  if (tornDown_.load())
+    retry_.cancel();
+}
+
+void PushModule::cancelRetry() {
+  {
+    std::lock_guard lock(mutex_);
+    retry_.cancel();
+  }
+  retryQueued_.store(false);
 }
 
 std::string PushModule::registrationId() const {

@@ -33,6 +33,7 @@
 #include "vorn/core/VORNSdkComponents.hpp"
 #include "vorn/events/IdentityEvent.hpp"
 #include "vorn/facades/PushInterface.hpp"
+#include "vorn/runtime/DelayedWork.hpp"
 #include "vorn/runtime/DispatchQueue.hpp"
 
 namespace push {
@@ -152,12 +153,12 @@ class PushModule final : public vorn::VORNModule,
   void begin();
   /// Runs `work` on the module's queue unless the module is gone or torn down by then.
   void enqueue(std::function<void(PushModule&)> work);
-  void enqueueAfter(std::chrono::milliseconds delay, std::function<void(PushModule&)> work);
   /// Applies a registration change; a real change schedules a send.
   bool updateRegistration(const std::function<void(RegistrationData&)>& change);
   void scheduleSend();
   void sendRegistration();
   void retryAtDeadline();
+  void cancelRetry();
   void fetchInbox(const FetchCompletionHandler& handler);
   bool mark(const std::string& messageId, Inbox::Mark mark);
   void sendMark(const std::string& messageId, Inbox::Mark mark);
@@ -191,6 +192,7 @@ class PushModule final : public vorn::VORNModule,
   vorn::Dictionary notificationUserInfo_;                           // guarded by mutex_
   std::shared_ptr<vorn::InAppMessageEventDelegate> eventDelegate_;  // guarded by mutex_
   std::shared_ptr<vorn::URLHandlingDelegate> urlHandlingDelegate_;  // guarded by mutex_
+  vorn::DelayedWork retry_;                                         // guarded by mutex_
 };
 
 }  // namespace push
