@@ -8,8 +8,8 @@
 
 namespace vorn::testing {
 
-/// Sends this process's standard error to `file` while the object lives. Not for tests that
-/// run threads writing to standard error meanwhile from code the test does not control.
+/// Sends this process's standard error to `file` while the object lives: whatever any thread
+/// writes to it meanwhile lands in the file.
 class StandardErrorToFile {
  public:
   explicit StandardErrorToFile(std::filesystem::path file);
