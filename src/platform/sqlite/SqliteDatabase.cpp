@@ -1,6 +1,8 @@
 #include "platform/sqlite/SqliteDatabase.hpp"
 
+#include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include "platform/FileModes.hpp"
 #include "platform/sqlite/ReadOnlyOpen.hpp"
@@ -105,11 +107,29 @@ bool SqliteDatabase::prepareConnection(sqlite3* db) {
   sqlite3_busy_timeout(db, static_cast<int>(timeout.count()));
   if (readOnly_)
     return true;  // the file's journal mode and tables are the writer's business
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
   for (const char* sql : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL", schema_}) {
-    if (sqlite3_exec(db, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+    if (!executeSetup(db, sql, deadline))
       return false;
   }
   return true;
+}
+
+// Two connections setting up the same new file at once (an app and its extension starting
+// together) can each hold a read lock while waiting for the other's to go before switching the
+// file to WAL or creating its tables. SQLite breaks that deadlock by answering busy at once to
+// one of them, without its busy handler. So a busy setup statement is tried again until the
+// busy time-out has passed, as a lock held too long would be, and both processes open the store.
+bool SqliteDatabase::executeSetup(sqlite3* db, const char* sql,
+                                  std::chrono::steady_clock::time_point deadline) {
+  auto pause = std::chrono::milliseconds(1);
+  for (;;) {
+    const int result = sqlite3_exec(db, sql, nullptr, nullptr, nullptr);
+    if ((result & 0xFF) != SQLITE_BUSY || std::chrono::steady_clock::now() >= deadline)
+      return result == SQLITE_OK;
+    std::this_thread::sleep_for(pause);
+    pause = std::min(pause * 2, std::chrono::milliseconds(25));
+  }
 }
 
 // Keeps the reason and closes the handle; the line is written for the first failure and

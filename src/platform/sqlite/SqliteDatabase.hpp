@@ -20,6 +20,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -74,6 +75,8 @@ class SqliteDatabase {
   bool connect();
   void checkWal();
   bool prepareConnection(sqlite3* db);
+  static bool executeSetup(sqlite3* db, const char* sql,
+                           std::chrono::steady_clock::time_point deadline);
   void connectionFailed(sqlite3* db, int code);
 
   const std::filesystem::path file_;
