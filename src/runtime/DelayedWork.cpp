@@ -7,17 +7,21 @@
 
 namespace vorn {
 
-DelayedWork DelayedWork::schedule(std::chrono::nanoseconds delay, std::function<void()> work) {
+DelayedWork DelayedWork::schedule(std::chrono::nanoseconds delay, DispatchQueue& queue,
+                                  std::function<void()> work) {
   if (!work) {
     return {};
   }
   if (delay <= std::chrono::nanoseconds::zero()) {
-    DispatchQueue::global().async(std::move(work));
+    queue.async(std::move(work));
     return {};
   }
-  // A null target stands for the global queue.
-  return DelayedWork(detail::DelayTimer::shared().schedule(detail::deadlineAfter(delay), nullptr,
-                                                           std::move(work)));
+  return DelayedWork(detail::DelayTimer::shared().schedule(detail::deadlineAfter(delay),
+                                                           queue.state_, std::move(work)));
+}
+
+DelayedWork DelayedWork::schedule(std::chrono::nanoseconds delay, std::function<void()> work) {
+  return schedule(delay, DispatchQueue::global(), std::move(work));
 }
 
 void DelayedWork::cancel() {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 
+#include "vorn/runtime/DispatchQueue.hpp"
 #include "vorn/testing/Wait.hpp"
 
 namespace vorn {
@@ -24,6 +25,18 @@ TEST(DelayedWorkTest, RunsOnceItsDelayHasPassed) {
   });
   ASSERT_TRUE(ran.wait());
   EXPECT_GE(ranAt - scheduled, 20ms);
+}
+
+TEST(DelayedWorkTest, RunsOnTheQueueItIsGiven) {
+  DispatchQueue queue("delayed-work-test");
+  Latch ran;
+  std::atomic<DispatchQueue*> ranOn{nullptr};
+  DelayedWork::schedule(5ms, queue, [&] {
+    ranOn = DispatchQueue::current();
+    ran.countDown();
+  });
+  ASSERT_TRUE(ran.wait());
+  EXPECT_EQ(ranOn.load(), &queue);
 }
 
 TEST(DelayedWorkTest, ACancelledClosureNeverRunsAndWhatItCapturedGoesAtOnce) {

@@ -1,5 +1,5 @@
-// DelayedWork: a closure run on the global queue once a delay has passed, which can be called
-// off until then.
+// DelayedWork: a closure appended to a queue once a delay has passed, which can be called off
+// until then.
 //
 // DispatchQueue::asyncAfter() cannot be taken back: work that is no longer wanted still wakes
 // the process at its deadline, only to find it has nothing to do. A timer that is often
@@ -22,14 +22,19 @@
 
 namespace vorn {
 
+class DispatchQueue;
+
 class VORN_API DelayedWork {
  public:
   /// Names no closure: cancel() does nothing.
   DelayedWork() = default;
 
-  /// Appends `work` to DispatchQueue::global() once `delay` has elapsed on the steady clock
-  /// (never earlier); a delay of zero or less appends it at once. An empty `work` schedules
-  /// nothing.
+  /// Appends `work` to `queue` once `delay` has elapsed on the steady clock (never earlier);
+  /// a delay of zero or less appends it at once. An empty `work` schedules nothing.
+  static DelayedWork schedule(std::chrono::nanoseconds delay, DispatchQueue& queue,
+                              std::function<void()> work);
+
+  /// schedule() on DispatchQueue::global().
   static DelayedWork schedule(std::chrono::nanoseconds delay, std::function<void()> work);
 
   /// Drops the closure unless it has already been appended to the global queue; once it has,

@@ -83,6 +83,7 @@ class VORN_API DispatchQueue : public Executor {
   struct ConcurrentTag {};
   explicit DispatchQueue(ConcurrentTag);
 
+  friend class DelayedWork;
   friend class DispatchGroup;
 
   std::shared_ptr<detail::QueueState> state_;

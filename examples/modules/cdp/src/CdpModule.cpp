@@ -366,13 +366,9 @@ void CdpModule::armTimer(std::chrono::nanoseconds delay) {
   // nothing; the generation still tells a timer already on its way that it is stale.
   timer_.cancel();
   const std::uint64_t generation = ++timerGeneration_;
-  // It fires on the global queue; the flush belongs on the module's own.
-  timer_ = vorn::DelayedWork::schedule(delay, [weak = weak_from_this(), generation] {
+  timer_ = vorn::DelayedWork::schedule(delay, queue_, [weak = weak_from_this(), generation] {
     if (auto self = weak.lock())
-      self->queue_.async([weak, generation] {
-        if (auto module = weak.lock())
-          module->onTimer(generation);
-      });
+      self->onTimer(generation);
   });
 }
 

@@ -173,17 +173,16 @@ void PushModule::retryAtDeadline() {
     return;
   log_->debug("Registration retried in " + std::to_string((deadline - now + 999) / 1000) +
               " seconds.");
-  // It fires on the global queue; the send belongs on the module's own. A DelayedWork, so a
-  // retry that a success or the teardown made moot never wakes the process.
-  const auto fire = [weak = weak_from_this()] {
-    if (const auto self = weak.lock())
-      self->enqueue([](PushModule& module) {
-        module.retryQueued_.store(false);
-        module.scheduleSend();
+  // A DelayedWork, so a retry that a success or the teardown made moot never wakes the
+  // process.
+  const auto retry = vorn::DelayedWork::schedule(
+      std::chrono::milliseconds(deadline - now + 1), queue_, [weak = weak_from_this()] {
+        const std::shared_ptr<PushModule> self = weak.lock();
+        if (!self || self->tornDown_.load())
+          return;
+        self->retryQueued_.store(false);
+        self->scheduleSend();
       });
-  };
-  const auto retry =
-      vorn::DelayedWork::schedule(std::chrono::milliseconds(deadline - now + 1), fire);
   std::lock_guard lock(mutex_);
   retry_ = retry;
   // tearDown() sets the flag before it takes the lock to cancel.
