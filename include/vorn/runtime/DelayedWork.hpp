@@ -37,7 +37,7 @@ class VORN_API DelayedWork {
   /// schedule() on DispatchQueue::global().
   static DelayedWork schedule(std::chrono::nanoseconds delay, std::function<void()> work);
 
-  /// Drops the closure unless it has already been appended to the global queue; once it has,
+  /// Drops the closure unless it has already been appended to its queue; once it has,
   /// or when called again, does nothing.
   void cancel();
 
